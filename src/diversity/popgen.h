@@ -1,0 +1,345 @@
+// PopGenetics: a population sample with the results of all within-sample analyses.
+#pragma once
+
+#include <cstdint>
+#include <iosfwd>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "base/arrays.h"
+#include "base/bnum.h"
+#include "base/recmat.h"
+#include "model/popbase.h"
+#include "simulation/mutation.h"
+
+namespace tov {
+
+class AHaplFreq;
+class Haplo_DB;
+class TPhenDB;
+class TTree;
+class TriMat;
+class settings;
+
+/// One estimate of a bootstrapped parameter with four quantiles of its distribution; -1 until computed.
+struct QuantileEstimate {
+    double value = -1.0;
+    double q025 = -1.0;
+    double q05 = -1.0;
+    double q95 = -1.0;
+    double q975 = -1.0;
+};
+
+/// What the fit of one expansion model to a mismatch distribution leaves for the summary; -1 until computed.
+struct ExpansionFit {
+    QuantileEstimate tau;
+    QuantileEstimate theta0;
+    QuantileEstimate theta1;  ///< theta of the spatial model
+    QuantileEstimate m;       ///< spatial model only
+    double ssd = -1.0;
+    double p_ssd = -1.0;
+    double raggedness = -1.0;
+    double p_raggedness = -1.0;
+};
+
+/// Mean and standard deviation of one column of the per-locus table.
+struct MeanSd {
+    double mean = -1.0;
+    double sd = -1.0;
+};
+
+/// Means over loci of the per-locus table.
+struct LocusMeans {
+    int loci = 0;  ///< loci that entered
+    MeanSd copies;
+    MeanSd alleles;
+    MeanSd obs_het;  ///< genotypes only
+    MeanSd exp_het;
+    MeanSd range;         ///< microsatellites only
+    MeanSd garza_william;  ///< microsatellites only
+};
+
+/// Per-locus results of a sample: parallel vectors with one entry a locus; empty until the table has been made.
+struct LocusTable {
+    std::vector<int> copies;
+    std::vector<int> alleles;
+    std::vector<double> obs_het;  ///< genotypes only, otherwise -1
+    std::vector<double> exp_het;
+    std::vector<int> min_size;
+    std::vector<int> max_size;
+    std::vector<double> mean_size;
+    std::vector<int> range;
+    std::vector<double> garza_william;
+    LocusMeans over_polymorphic;
+    LocusMeans over_all;
+
+    /// Sizes every vector to `loci` entries of value zero and unsets the means.
+    void Reallocate(int loci);
+    void clear() { *this = LocusTable{}; }
+};
+
+/// A population sample and everything that the within-sample analyses compute on it.
+///
+/// A statistic that no analysis has computed keeps its unset value -1.0. The accessors without a verb read the field of
+/// the same name with a trailing underline.
+class PopGenetics : public Population {
+public:
+    PopGenetics();
+    ~PopGenetics() override;
+    PopGenetics(PopGenetics const&) = delete;
+    PopGenetics& operator=(PopGenetics const&) = delete;
+
+    /// Sets statistics to -1.0, counters to 0, the mismatch bin width to 1; drops matrix, tree and site arrays.
+    void initialize();
+    /// Releases data and site arrays.
+    void clean() override;
+
+    // --- Virtual operations of the data classes ---
+    void test_methods(settings& s) override;
+    /// Empties the table B(n, k).
+    void clean_bnum() override;
+    /// Validates the sample after reading. @return 1, or 0 after an error.
+    virtual int check_data();
+    /// Fills the sample's matrix with the distances between its distinct haplotypes.
+    /// @param out    stream for the matrix, or null.
+    /// @param scale  non-zero: per-site distances are multiplied by the number of usable loci.
+    /// @return 1, or 0 after a report or a stop.
+    virtual int compute_distance_matrix(std::ostream* out, settings* s, int scale);
+    /// Fills use_site and polymSite, counts usable and polymorphic loci. @return 1, or 0 after an error.
+    virtual int evaluate_polymorphism(settings const& s);
+    /// Mean number of pairwise differences and nucleotide diversity from the matrix. @return 1, or 0 after a report.
+    virtual int compute_molecular_diversity(settings& s);
+
+    // --- Sizes ---
+    [[nodiscard]] double nb_genes() const { return sample_size(); }
+    [[nodiscard]] int nb_loci() const { return nb_loci_; }
+    [[nodiscard]] int nb_usable_loci() const { return nb_usable_loci_; }
+    [[nodiscard]] int numPolymSites() const { return num_polym_sites_; }
+    /// Sites that Theta(S) and Tajima's test count: sites with substitutions in DNA, polymorphic sites otherwise.
+    [[nodiscard]] virtual int segregating_sites() const { return num_polym_sites_; }
+    /// The data are haplotypes, or genotypes with known gametic phase.
+    [[nodiscard]] bool haplotypic_or_phase_known() const;
+    /// Flag of a locus: non-zero when its share of missing data is within the allowed level; 0 outside the array.
+    [[nodiscard]] int usableSite(int locus) const;
+    [[nodiscard]] std::vector<int> const& use_site() const { return use_site_; }
+    /// Share of missing data at a locus; 0 outside the array.
+    [[nodiscard]] double missDataForLocus(int locus) const;
+    [[nodiscard]] RectMat& get_dist_mat() { return *dist_mat_; }
+    [[nodiscard]] bool has_dist_mat() const { return dist_mat_ != nullptr; }
+    /// Largest distance of the matrix, truncated.
+    [[nodiscard]] int largest_distance() const { return max_mismatch_; }
+    /// The tree on which simulations of this sample run; made at the first call.
+    [[nodiscard]] TTree& getGeneTree();
+
+    // --- Heterozygosity (diversity.cpp) ---
+    [[nodiscard]] double calc_F() const;
+    [[nodiscard]] double calc_F(MY_TISArrayAsVector<AHaplFreq> const& frequencies) const;
+    void calc_sample_homozygosity();
+    void calc_sample_homozygosity(MY_TISArrayAsVector<AHaplFreq> const& frequencies);
+    void calc_sample_sd_heterozygosity();
+    [[nodiscard]] double sample_homozygosity() const { return sample_homozygosity_; }
+    [[nodiscard]] double sample_heterozygosity() const { return sample_heterozygosity_; }
+    [[nodiscard]] double sd_sample_heterozygosity() const { return sd_sample_heterozygosity_; }
+
+    // --- Theta estimators (diversity.cpp) ---
+    void calc_theta_Hom();
+    [[nodiscard]] double calc_theta_Hom(MY_TISArrayAsVector<AHaplFreq> const& frequencies);
+    [[nodiscard]] static double k_est(double const& theta, int const& n);
+    void theta_k(int const& n, int const& k, double const& alpha);
+    void theta_S(int const& n, int const& S);
+    void theta_pi(double const& pi);
+    [[nodiscard]] static double proba_less_than_k(int const& k, int const& n, double const& theta);
+    [[nodiscard]] static double proba_exactly_k(int const& k, int const& n, double const& theta);
+    [[nodiscard]] static double proba_less_or_k(int const& k, int const& n, double const& theta);
+    /// Makes the table B(n, k) for 200 genes and 80 alleles unless there is one. @return 1, or 0 when it failed.
+    static int get_B_num_mat();
+    /// Makes the table reach n genes and k alleles (it then gets 10 more of each). @return whether it does.
+    static bool extend_B_num_mat(int n, int k);
+    /// The table B(n, k), shared by all samples.
+    static BnumMat BMat;
+    static bool BMat_loaded;
+
+    // --- Per-locus table (locus_table.cpp, locus_table_report.cpp) ---
+    /// Fills locus_table() from the haplotypes and prints it.
+    /// @param rows   print a row for each polymorphic locus.
+    /// @param means  print the rows of means and deviations.
+    /// @param tables write the side tables.
+    void OutputAllelelNumberAndHetPerLocusHapl(std::ostream& out, settings const& s, bool rows, bool means,
+                                               bool tables);
+    /// The same over genotypes, with the observed heterozygosity.
+    void OutputAllelelNumberAndHetPerLocusDipl(TPhenDB& phenotypes, std::ostream& out, settings const& s, bool rows,
+                                               bool means, bool tables);
+    void computeMeanAlleleSizes();
+    [[nodiscard]] LocusTable const& locus_table() const { return locus_table_; }
+    /// Mean allele size of each locus, by computeMeanAlleleSizes().
+    [[nodiscard]] std::vector<double> const& mean_allele_sizes() const { return mean_allele_sizes_; }
+
+    // --- Distances (distances.cpp, distances_report.cpp) ---
+    /// Prints matrix, labels and, when the settings say so, the minimum spanning tree and network.
+    void print_out_dist_mat(std::ostream& out, settings& s);
+    /// Replaces the matrix by the plain 0/1 distance with its conventional flag set.
+    void compute_dist_mat_for_conventional_FST(std::ostream& out, settings& s);
+    /// Adds to `target` one frequency a class of haplotypes at distance zero in `distances`, in list order.
+    void check_hapl_freqs(RectMat const& distances, MY_TISArrayAsVector<AHaplFreq>& target) const;
+
+    // --- Mismatch distribution (demography/) ---
+    int compute_mm_distr(std::ostream& out, settings& s);
+    void est_demog_mis(settings* s, std::ostream& out);
+    void est_spatial_mis(settings* s, std::ostream& out);
+    [[nodiscard]] int max_mismatch() const { return max_mismatch_; }
+    [[nodiscard]] int exp_max_mismatch() const { return exp_max_mismatch_; }
+
+    // --- Haplotype frequencies, phase, linkage disequilibrium (inference/) ---
+    void calc_hapl_dat_hapl_freq(settings& s);
+    void comp_gam_phase_EM(settings& s);
+    void comp_gam_phase_Gibbs(settings& s);
+    void calc_all_gam_des(std::ostream& out, long steps, settings& s);
+    int calc_gam_des_prob2(int* loci, long& seed, settings& s, long& stepsDone);
+    int calc_gam_des_prob3(int* loci, long& seed, settings& s, long& stepsDone);
+    int make_all_table(int* k);
+    void calc_d_sd_values(int* loci, settings& s, double& sumD, double& sumDprime, int i, int last);
+    void print_ld_histo(int n, int* loci, TriMat& p_values, settings& s, std::ostream& out);
+    void init_all_min_allele(int const& n, int* first, int* second);
+    /// Linkage results of all pairs and samples for the summary; flushed by calc_all_gam_des.
+    static MY_TArrayAsVector<double> mean_Dprime, mean_R2, adj_Dprime, adj_R2, flank_Dprime, flank_R2;
+
+    // --- Neutrality tests (neutrality.cpp) ---
+    void tajimaD(int const& n, double const& pi, double const& S);
+    void fast_tajimaD(int const& n, double const& pi, double const& S);
+    [[nodiscard]] static double Tajima_D_density(double const& a, double const& b, double const& low,
+                                                 double const& high, double const& x);
+    int Fu_Fs(double const& theta, int const& k, double& Fs, bool verbose);
+    void EW_neutrality_tests(settings& s, std::ostream& out, MY_TISArrayAsVector<AHaplFreq> const& observed);
+    int get_first_rand_freq(AHaplFreq& a, int const& k, int const& n);
+    double compute_rand_frequencies_and_F(MY_TISArrayAsVector<AHaplFreq>& ranks, double const& F_obs, double& n_F,
+                                          int*& hits, double& n_exact);
+    void print_exp_freq(std::ostream& out, MY_TISArrayAsVector<AHaplFreq> const& ranks) const;
+    void print_obs_hapl_freq(std::ostream& out, MY_TISArrayAsVector<AHaplFreq> const& observed) const;
+    void Chakraborty_neutr_test(std::ostream& out);
+    void Chakraborty_neutr_test(std::ostream& out, MY_TISArrayAsVector<AHaplFreq> const& frequencies);
+    [[nodiscard]] double calc_p_chakraborty_test();
+    [[nodiscard]] double calc_p_chakraborty_test(int const& k, double const& theta);
+
+    // --- Coalescent simulation of the sample (simulation/, neutrality.cpp) ---
+    int simulate_sample(double const& mu, int const& sites, Mut_Type const& type, double const& gamma_a,
+                        double const& first_rate, double const& first_fraction, double const& transition_share);
+    int simulate_sample_exp(double const& mu, int const& sites, Mut_Type const& type, double const& gamma_a,
+                            double const& first_rate, double const& first_fraction, double const& transition_share,
+                            double t, double factor, int const& scale);
+    int simulate_range_exp(double const& mu, int const& sites, Mut_Type const& type, double const& gamma_a,
+                           double const& first_rate, double const& first_fraction, double const& transition_share,
+                           double tau, double m, int const& scale);
+    int fast_build_tree();
+    int build_tree_fast_one_pop(double t, double factor, int const& scale);
+    int build_tree_fast_range_exp(double tau, double m, int const& scale);
+    int sprinkle_mutations(double const& mu, int const& sites, Mut_Type const& type, double const& gamma_a,
+                           double const& first_rate, double const& first_fraction, double const& transition_share);
+    int read_simulated_sample(TTree& tree, Haplo_DB& database, Mut_Type const& type);
+
+    // --- Results, by the names of the summary ---
+    [[nodiscard]] double tajimaD() const { return tajima_D_; }
+    [[nodiscard]] double pTajimaD() const { return p_tajima_D_; }
+    [[nodiscard]] double fusFS() const { return fus_FS_; }
+    [[nodiscard]] double pFusFS() const { return p_fus_FS_; }
+    [[nodiscard]] double thetaK() const { return theta_k_; }
+    [[nodiscard]] double thetaKInf() const { return theta_k_inf_; }
+    [[nodiscard]] double thetaKSup() const { return theta_k_sup_; }
+    [[nodiscard]] double thetaS() const { return theta_S_; }
+    [[nodiscard]] double sdThetaS() const { return sd_theta_S_; }
+    [[nodiscard]] double thetaH() const { return theta_hom_; }
+    [[nodiscard]] double sdThetaH() const { return sd_theta_hom_; }
+    [[nodiscard]] double theta_hom() const { return theta_hom_; }
+    [[nodiscard]] double thetaPi() const { return theta_pi_; }
+    [[nodiscard]] double sdthetaPi() const { return sd_theta_pi_; }
+    [[nodiscard]] double pi() const { return pi_; }
+    [[nodiscard]] double sd_pi() const { return sd_pi_; }
+    /// Nucleotide diversity; for STANDARD data the average gene diversity over loci.
+    [[nodiscard]] double nucleotide_diversity() const { return nucleotide_diversity_; }
+    [[nodiscard]] double sd_nucleotide_diversity() const { return sd_nucleotide_diversity_; }
+    [[nodiscard]] double heterozygosity() const { return sample_heterozygosity_; }
+    [[nodiscard]] double p_exact_neutr_tst() const { return p_exact_neutr_tst_; }
+    [[nodiscard]] double obs_F() const { return obs_F_; }
+    [[nodiscard]] double exp_F() const { return exp_F_; }
+    [[nodiscard]] double p_homoz_test() const { return p_homoz_test_; }
+    [[nodiscard]] double p_chakrab_test() const { return p_chakrab_test_; }
+
+    /// DNA sites of the project at which any sample has a substitution.
+    static MY_TArrayAsVector<bool> globalSubstPolymSites;
+
+    // --- Plain state ---
+    // Sites
+    int nb_loci_ = 0;
+    int nb_usable_loci_ = 0;
+    int num_polym_sites_ = 0;
+    std::vector<int> use_site_;           ///< one flag a site: non-zero when usable
+    std::vector<double> missing_share_;   ///< one share of missing data a site
+    int orig_nb_haplotypes_ = 0;          ///< distinct haplotypes before equal ones were merged
+    int nb_real_haplotypes_ = -1;         ///< haplotypes that differ in the matrix, when that was checked
+
+    // Distance matrix
+    std::unique_ptr<RectMat> dist_mat_;  // owned; lower triangle distances, upper triangle standard errors
+    int max_mismatch_ = 0;               ///< largest distance, truncated
+
+    // Diversity
+    LocusTable locus_table_;
+    std::vector<double> mean_allele_sizes_;
+    double F_ = -1.0;
+    double sample_homozygosity_ = -1.0;
+    double sample_heterozygosity_ = -1.0;
+    double sd_sample_heterozygosity_ = -1.0;
+    double obs_pheno_het_ = -1.0;
+    double exp_pheno_het_ = -1.0;
+    double pi_ = -1.0;
+    double sd_pi_ = -1.0;
+    double nucleotide_diversity_ = -1.0;
+    double sd_nucleotide_diversity_ = -1.0;
+    double theta_hom_ = -1.0;
+    double sd_theta_hom_ = -1.0;
+    double theta_S_ = -1.0;
+    double sd_theta_S_ = -1.0;
+    double theta_pi_ = -1.0;
+    double sd_theta_pi_ = -1.0;
+    double theta_k_ = -1.0;
+    double theta_k_inf_ = -1.0;
+    double theta_k_sup_ = -1.0;
+
+    // Neutrality
+    double tajima_D_ = -1.0;
+    double p_tajima_D_ = -1.0;
+    double fus_FS_ = -1.0;
+    double p_fus_FS_ = -1.0;
+    double obs_F_ = -1.0;
+    double exp_F_ = -1.0;
+    double p_homoz_test_ = -1.0;
+    double p_exact_neutr_tst_ = -1.0;
+    double p_chakrab_test_ = -1.0;
+    double exp_num_alleles_ = -1.0;  ///< expected number of alleles of Chakraborty's test
+    double obs_exact_statistic_ = -1.0;
+    bool exact_neutr_test_ = false;  ///< Slatkin's exact test is wanted
+
+    // Mismatch distribution
+    std::vector<std::int64_t> mismatch_;  ///< observed counts, 0..2 max_mismatch; empty when there is none
+    std::vector<double> exp_mismatch_;    ///< model counts, same size
+    int exp_max_mismatch_ = 0;            ///< last class with a model count above 1e-5
+    int mismatch_bin_width_ = 1;
+    double mismatch_mean_ = -1.0;
+    double mismatch_variance_ = -1.0;
+    double mismatch_tau_ = -1.0;
+    double mismatch_theta_ = -1.0;
+    double mismatch_raggedness_ = -1.0;
+    double mismatch_chi2_ = -1.0;
+    double mismatch_p_chi2_ = -1.0;
+    int mismatch_df_ = 0;
+    ExpansionFit demographic_fit_;
+    ExpansionFit spatial_fit_;
+
+protected:
+    /// Runs the task blocks of this sample in their order; the body of every test_methods.
+    void run_task_blocks(settings& s);
+
+private:
+    std::unique_ptr<TTree> tree_;  // owned
+};
+
+}  // namespace tov
