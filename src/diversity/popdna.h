@@ -1,7 +1,8 @@
 // PopulDNA: a sample of DNA sequences.
 #pragma once
 
-#include <array>
+#include <string>
+#include <vector>
 
 #include "diversity/formula/nucleotide_distance.h"
 #include "diversity/popgen.h"
@@ -37,6 +38,7 @@ public:
     PopulDNA();
     ~PopulDNA() override;
 
+    void initialize() override;
     void initialize_DNA();
     void clean() override;
 

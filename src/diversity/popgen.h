@@ -4,20 +4,18 @@
 #include <cstdint>
 #include <iosfwd>
 #include <memory>
-#include <string>
 #include <vector>
 
 #include "base/arrays.h"
 #include "base/bnum.h"
 #include "base/recmat.h"
 #include "model/popbase.h"
-#include "simulation/mutation.h"
 
 namespace tov {
 
 class AHaplFreq;
+enum Mut_Type : int;
 class Haplo_DB;
-class TPhenDB;
 class TTree;
 class TriMat;
 class settings;
@@ -90,36 +88,31 @@ public:
     PopGenetics(PopGenetics const&) = delete;
     PopGenetics& operator=(PopGenetics const&) = delete;
 
-    /// Sets statistics to -1.0, counters to 0, the mismatch bin width to 1; drops matrix, tree and site arrays.
-    void initialize();
-    /// Releases data and site arrays.
+    /// Back to an empty sample; statistics -1.0, counters 0, mismatch bin width 1, no matrix, tree or site arrays.
+    void initialize() override;
     void clean() override;
 
     // --- Virtual operations of the data classes ---
-    void test_methods(settings& s) override;
     /// Empties the table B(n, k).
     void clean_bnum() override;
-    /// Validates the sample after reading. @return 1, or 0 after an error.
-    virtual int check_data();
-    /// Fills the sample's matrix with the distances between its distinct haplotypes.
+    /// Distances between the sample's distinct haplotypes, into get_dist_mat(); the base form does nothing.
+    ///
     /// @param out    stream for the matrix, or null.
     /// @param scale  non-zero: per-site distances are multiplied by the number of usable loci.
-    /// @return 1, or 0 after a report or a stop.
-    virtual int compute_distance_matrix(std::ostream* out, settings* s, int scale);
-    /// Fills use_site and polymSite, counts usable and polymorphic loci. @return 1, or 0 after an error.
-    virtual int evaluate_polymorphism(settings const& s);
+    /// @return       1, or 0 after a report or a stop; the matrix is then half filled.
+    int compute_distance_matrix(std::ostream* out, settings* s, int scale) override;
     /// Mean number of pairwise differences and nucleotide diversity from the matrix. @return 1, or 0 after a report.
     virtual int compute_molecular_diversity(settings& s);
 
     // --- Sizes ---
     [[nodiscard]] double nb_genes() const { return sample_size(); }
-    [[nodiscard]] int nb_loci() const { return nb_loci_; }
     [[nodiscard]] int nb_usable_loci() const { return nb_usable_loci_; }
     [[nodiscard]] int numPolymSites() const { return num_polym_sites_; }
     /// Sites that Theta(S) and Tajima's test count: sites with substitutions in DNA, polymorphic sites otherwise.
     [[nodiscard]] virtual int segregating_sites() const { return num_polym_sites_; }
     /// The data are haplotypes, or genotypes with known gametic phase.
-    [[nodiscard]] bool haplotypic_or_phase_known() const;
+    [[nodiscard]] bool haplotypic_or_phase_known() const { return phase_known(); }
+    [[nodiscard]] int nb_loci() const { return nb_loci_; }
     /// Flag of a locus: non-zero when its share of missing data is within the allowed level; 0 outside the array.
     [[nodiscard]] int usableSite(int locus) const;
     [[nodiscard]] std::vector<int> const& use_site() const { return use_site_; }
@@ -265,7 +258,7 @@ public:
     [[nodiscard]] double p_chakrab_test() const { return p_chakrab_test_; }
 
     /// DNA sites of the project at which any sample has a substitution.
-    static MY_TArrayAsVector<bool> globalSubstPolymSites;
+    static MY_TArrayAsVector<char> globalSubstPolymSites;
 
     // --- Plain state ---
     // Sites
@@ -274,11 +267,10 @@ public:
     int num_polym_sites_ = 0;
     std::vector<int> use_site_;           ///< one flag a site: non-zero when usable
     std::vector<double> missing_share_;   ///< one share of missing data a site
-    int orig_nb_haplotypes_ = 0;          ///< distinct haplotypes before equal ones were merged
     int nb_real_haplotypes_ = -1;         ///< haplotypes that differ in the matrix, when that was checked
 
     // Distance matrix
-    std::unique_ptr<RectMat> dist_mat_;  // owned; lower triangle distances, upper triangle standard errors
+    std::unique_ptr<RectMat> dist_mat_;  ///< owned; lower triangle distances, upper triangle standard errors
     int max_mismatch_ = 0;               ///< largest distance, truncated
 
     // Diversity

@@ -1,6 +1,8 @@
 // PopulRFLP: a sample of restriction-site haplotypes ('0', '1', '-' and missing).
 #pragma once
 
+#include <string>
+
 #include "diversity/formula/nucleotide_distance.h"
 #include "diversity/popgen.h"
 
@@ -14,6 +16,7 @@ public:
     PopulRFLP();
     ~PopulRFLP() override;
 
+    void initialize() override;
     void initialize_RFLP();
     void clean() override;
 
