@@ -4,6 +4,7 @@
 #include <array>
 #include <iosfwd>
 #include <string>
+#include <string_view>
 
 #include "input/profile.h"
 
@@ -25,9 +26,9 @@ inline constexpr long ewens_watterson = 128;
 inline constexpr long chakraborty = 256;
 inline constexpr long amova = 512;
 inline constexpr long pairwise_fst = 1024;
-inline constexpr long pairwise_distances = 2048;   ///< distance matrix of a sample, for the structure analyses
-inline constexpr long prepare_permutations = 4096; ///< alone: only the allele vectors are prepared
-inline constexpr long exact_test = 8192;           ///< exact test of population differentiation
+inline constexpr long pairwise_distances = 2048;    ///< distance matrix of a sample, for the structure analyses
+inline constexpr long prepare_permutations = 4096;  ///< alone: only the allele vectors are prepared
+inline constexpr long exact_test = 8192;            ///< exact test of population differentiation
 inline constexpr long fu_fs = 16384;
 inline constexpr long genotype_assignment = 32768;
 inline constexpr long mantel = 65536;
@@ -36,12 +37,12 @@ inline constexpr long within_sample = 511 | fu_fs;
 }  // namespace task
 
 /// Bits of settings::ComputeTheta: the estimators of theta = 4Nu.
-namespace theta {
+namespace theta_bit {
 inline constexpr int hom = 1;
 inline constexpr int S = 2;
 inline constexpr int k = 4;
 inline constexpr int pi = 8;
-}  // namespace theta
+}  // namespace theta_bit
 
 /// Parameters of a run. Each key of the settings file is a field of the key's name. One object serves all projects of
 /// a run list and is not reset between them; analyses may change fields and put them back.
@@ -49,17 +50,16 @@ inline constexpr int pi = 8;
 /// In memory a flag is an int, 0 or not 0, unless it is declared bool.
 class settings {
 public:
-    settings();
-
     // --- Reading and writing (settings_io.cpp, settings_pretty.cpp) ---
-    /// Sets every key and file name to its default and clears the stop flag.
+    /// Sets every key to its default and clears the stop flag. MarkovChainStepsLD depends on the kind of data in force:
+    /// 1000 for genotypic data of unknown phase (a number of permutations then), else 100000.
     void reset_initial_values();
     /// Reads a settings file. A key that isn't found becomes 0 (text: empty), except those of the EM and KPV groups,
     /// which keep their value. A file that can't be opened holds no key. Errors: none reported.
-    void read_settings(std::string const& file);
+    void read_settings(std::string_view file);
     void read_settings(std::istream& in);
     /// Writes the settings file with its comments; creates the file, truncating.
-    void print_settings(std::string const& file) const;
+    void print_settings(std::string_view file) const;
     void print_settings(std::ostream& out) const;
     /// Summary of the settings in force, for the result document: general ones, then a block per task that is on.
     void print_pretty_settings(std::ostream& out) const;
@@ -84,15 +84,16 @@ public:
     [[nodiscard]] std::ostream& ofs() const noexcept;
     /// Sets the result document (borrowed; null for none). @return the one before.
     std::ostream* set_ofs(std::ostream* stream) noexcept;
-    void set_run_id(std::string const& id) { run_id = id; }
-    void set_tovenia_directory(std::string const& directory) { working_directory = directory; }
-    /// Copies the project's name to input_file and derives all file names of its run from it.
-    void buildFilenamesFromCurrentProjectName(std::string const& name);
+    void set_run_id(std::string_view id) { run_id = id; }
+    void set_tovenia_directory(std::string_view directory) { working_directory = directory; }
+    /// Copies the project's name to input_file and derives the file names of its run from it, from XMLOutput and from
+    /// the working directory.
+    void buildFilenamesFromCurrentProjectName(std::string_view name);
     /// Names of the four files of AMOVA null distributions: input_file with the extension .va, .vb, .vc, .vd.
     void build_sigm_histo_f_name();
 
     // --- Progress on the console (settings_progress.cpp) ---
-    static void set_message(std::string const& text) { message = text; }
+    static void set_message(std::string_view text) { message = text; }
     /// Shows `message` on standard output, behind the percentage of work done when the work to do is known. A text is
     /// not shown twice running; nothing is shown in silent mode.
     static void print_message();
@@ -111,17 +112,17 @@ public:
 
     // --- State of the run ---
     int stop = 0;
-    TDataType DataType = FREQUENCY;  ///< of the project
-    int GenotypicData = 0;           ///< of the project
-    int GameticPhase = 0;            ///< of the project; written as GameticPhaseIsKnown
-    TAlleleDB* alleles = nullptr;    ///< borrowed: allele database in use
-    std::string run_id;              ///< Time of the run without blanks.
-    bool silent_structure = false;   ///< Structure analyses write no log lines and no messages.
-    bool print_sample_banner = true; ///< A sample's analyses begin with its anchor and banner.
-    double p_value = 0.0;            ///< P-value of the last Hardy-Weinberg or linkage test.
-    double sd_p_value = 0.0;         ///< Its standard deviation.
-    int em_wanted = 0;               ///< EM or KPV is asked for (set by read_settings).
-    int keepProjectResults = 1;      ///< The run is added to an existing result document; from the run list.
+    TDataType DataType = FREQUENCY;   ///< of the project
+    int GenotypicData = 0;            ///< of the project
+    int GameticPhase = 0;             ///< of the project; written as GameticPhaseIsKnown
+    TAlleleDB* alleles = nullptr;     ///< borrowed: allele database in use
+    std::string run_id;               ///< Time of the run without blanks.
+    bool silent_structure = false;    ///< Structure analyses write no log lines and no messages.
+    bool print_sample_banner = true;  ///< A sample's analyses begin with its anchor and banner.
+    double p_value = 0.0;             ///< P-value of the last Hardy-Weinberg or linkage test.
+    double sd_p_value = 0.0;          ///< Its standard deviation.
+    int em_wanted = 0;                ///< EM or KPV is asked for (set by read_settings).
+    int keepProjectResults = 1;       ///< The run is added to an existing result document; from the run list.
 
     // --- File names ---
     std::string project_dir;                      ///< <project>.res/
@@ -136,8 +137,8 @@ public:
     std::string style_sheet;                      ///< Style sheet of the frame pages.
     std::string tree_code;                        ///< Code of the tree.
     std::string graphics_dir;                     ///< <project>.res/Graphics/
-    std::string ld_output_file;                   ///< Side table of linkage disequilibrium.
-    std::string histogram_file;                   ///< "none"
+    std::string ld_output_file = "ld_dis.xl";     ///< Side table of linkage disequilibrium.
+    std::string histogram_file = "none";          ///< Not written by any analysis.
     std::array<std::string, 4> sigm_histo_files;  ///< Null distributions of the variances a, b, c, d.
 
     // --- Keys: task mask ---
@@ -180,7 +181,7 @@ public:
     bool ComputeAllAlleleFreqs = false;
     int DistanceMethod = 0;
     double GammaAValue = 0.0;
-    int ComputeTheta = 0;  ///< sum of theta:: bits
+    int ComputeTheta = 0;  ///< sum of theta_bit:: bits
     int PrintHaplDistMat = 0;
     int PrintPopDistMat = 0;
     int PrintMinSpannNetworkPop = 0;
