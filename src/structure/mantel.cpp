@@ -1,12 +1,12 @@
 // The Mantel test: correlations of the matrices and their permutation test.
 #include "structure/mantel.h"
 
-#include <chrono>
 #include <cmath>
 #include <ctime>
 #include <ostream>
 
 #include "base/recmat.h"
+#include "base/timing.h"
 #include "run/errors.h"
 #include "structure/formula/mantel_stats.h"
 
@@ -37,7 +37,7 @@ public:
         *_AOS_ << "\nStarting " << nperm << " permutations ...\n";
     }
     ~TimedTest() {
-        *_AOS_ << "\ndone in " << static_cast<long>((std::clock() - start_) * 1000.0 / CLOCKS_PER_SEC) << "ms";
+        *_AOS_ << "\ndone in " << milliseconds_since(start_) << "ms";
     }
     TimedTest(TimedTest const&) = delete;
     TimedTest& operator=(TimedTest const&) = delete;
