@@ -1,4 +1,4 @@
-"""The checks of the cases: reading expected.json, choosing the extractor of a check, and comparing what it finds with what is expected."""
+"""The checks of the cases: reading expected.json, choosing the extractor of a check, comparing what it finds."""
 import json
 import math
 import re
@@ -11,8 +11,9 @@ import extract_neutrality
 import extract_pairs
 from case_document import Missing
 
+MODULES = (extract_indices, extract_neutrality, extract_association, extract_amova, extract_pairs, extract_mst)
 TABLE = [(re.compile(section), re.compile(label), extract)
-         for module in (extract_indices, extract_neutrality, extract_association, extract_amova, extract_pairs, extract_mst)
+         for module in MODULES
          for section, label, extract in module.TABLE]
 LEAST_PLACES = 3  # a number printed with fewer decimals gets no allowance for its rounding beyond the tolerance
 
@@ -42,7 +43,7 @@ def flat(value):
 
 
 def allowance(number, tolerance):
-    """The tolerance, or half a unit of the last printed place where that is more and at least LEAST_PLACES decimals stand."""
+    """The tolerance, or half a unit of the last printed place where that is more and LEAST_PLACES decimals stand."""
     places = getattr(number, "places", None)
     if places is None or places < LEAST_PLACES or getattr(number, "exponent", False):
         return tolerance
@@ -74,7 +75,7 @@ def compare(check, found):
 
 
 def judge(check, document):
-    """(passed, found value or None, reason of the failure or None) of one check on the document of its run (None: there is none)."""
+    """(passed, found value or None, reason of the failure or None) of one check on the document of its run or None."""
     if document is None:
         return False, None, "the run left no document"
     try:

@@ -1,4 +1,4 @@
-"""A printed result document as plain lines, cut into sections, and the readers of numbers and tables that the extractors share."""
+"""A printed result document as plain lines cut into sections, and the readers of its numbers and tables."""
 import html
 import re
 
@@ -35,7 +35,8 @@ def is_number(token):
 def cells(text, count=None):
     """The cells of a table row: numbers, '*' and 'N.A.' (as None); an s.d. behind '+-' is dropped.
 
-    Cells of five decimals may touch each other; they are taken apart when `count` cells are wanted and blanks give another number.
+    Cells of five decimals may touch each other; they are taken apart when `count` cells are wanted and blanks give
+    another number.
     """
     text = SD_SUFFIX.sub("", text.replace("|", " "))
     words = text.split()
@@ -57,7 +58,7 @@ def plain_lines(markup):
 
 
 class Document:
-    """One printed document. `haplotypes(sample)` lists the identifiers of the project in file order (see project_haplotypes)."""
+    """One printed document, and the text of its project."""
 
     def __init__(self, markup, project_text=""):
         self.lines = plain_lines(markup)
@@ -65,7 +66,7 @@ class Document:
         self.sections = self._cut()
 
     def _cut(self):
-        """List of (heading, sample, lines behind the heading); the sample is the name in the heading's parentheses or None."""
+        """List of (heading, sample, lines behind the heading); the sample is the name in the heading's parentheses."""
         found = []
         for line in self.lines:
             match = re.match(r"\s*== (.*\S)\s*$", line)
@@ -96,7 +97,7 @@ class Document:
 
 
 def project_haplotypes(text, sample=None):
-    """Identifiers of the haplotypes of one sample, or the distinct ones of the project (haplotype list first), in file order."""
+    """Identifiers of the haplotypes of one sample, or the distinct ones of the project, in file order."""
     order, current, inside, in_list = [], None, False, False
     for line in text.splitlines():
         line = line.strip()
@@ -143,8 +144,8 @@ def is_rule(line):
 def matrix_rows(lines, start, stop=None):
     """Rows of a matrix with labels 1..R: list of R lists of cells without the label.
 
-    An optional head line holds the labels; each row begins with its own label. Reading ends behind row R, or, without a head, at the
-    first line that is not the next row. `stop(line)` ends the search for the first row.
+    An optional head line holds the labels; each row begins with its own label. Reading ends behind row R, or, without
+    a head, at the first line that is not the next row. `stop(line)` ends the search for the first row.
     """
     size, rows = None, []
     for line in lines[start:]:

@@ -1,4 +1,4 @@
-"""Extractors of the analysis of molecular variance: the table of a design, its tests, the population-specific indices, locus by locus."""
+"""Extractors of the analysis of molecular variance: table of a design, tests, indices of populations, locus by locus."""
 import re
 
 from case_document import Missing, NUMBER, after, cells, is_rule, labelled, numbers
@@ -64,7 +64,7 @@ def significance(doc, check):
 
 
 def population_table(title, column):
-    """Extractor of one column of a table headed 'Pop# Name ...': the last values of each row are the index and its P-value."""
+    """Extractor of a column of a table headed 'Pop# Name ...': the index (0) or its P-value (1)."""
     def extract(doc, check):
         lines = doc.behind(STRUCTURE)
         start = after(lines, title + r"(?: \(\d+ permutations\))?\s*$")
@@ -110,7 +110,7 @@ def locus_rows(doc):
 
 
 def locus_columns(pattern, per_locus=True):
-    """Extractor of the columns whose names match: one list a locus, a number a locus for a single column, or the common row."""
+    """Extractor of the columns whose names match: one list a locus, or the one that is common to all loci."""
     def extract(doc, check):
         columns, rows = locus_rows(doc)
         chosen = [k for k, name in enumerate(columns) if re.fullmatch(pattern, name)]
@@ -132,7 +132,7 @@ def locus_index(doc, check):
 def average_lines(doc):
     lines = doc.behind(STRUCTURE)
     start = after(lines, r"Global AMOVA results as a weighted average over loci")
-    end = next((k for k in range(start, len(lines)) if "bootstrap" in lines[k] or lines[k].startswith("Significance tests")), len(lines))
+    end = next((k for k in range(start, len(lines)) if re.match(r".*bootstrap|Significance tests", lines[k])), len(lines))
     return lines[start:end]
 
 
@@ -144,7 +144,8 @@ def average_column(column):
             match = VARIANCE_ROW.search(line)
             if match:
                 front = numbers(line[:match.start()])
-                values.append([front[-1] if front else None, numbers(match.group(1))[0], numbers(match.group(3))[0]][column])
+                row = [front[-1] if front else None, numbers(match.group(1))[0], numbers(match.group(3))[0]]
+                values.append(row[column])
         if not values or None in values:
             raise Missing("no rows in the average over loci")
         return values
@@ -160,6 +161,8 @@ def average_index(doc, check):
 _DESIGN = r"AMOVA design and results :"
 _LOCI = r"AMOVA Results for polymorphic loci only:"
 _MEAN = r"Global AMOVA results as a weighted average over loci"
+_POP_FST = r"Population specific FST indices"
+_POP_FIS = r"Population specific FIS indices"
 _INDEX = r"F(?:ST|SC|CT|IS|IT)"
 
 TABLE = [
@@ -170,9 +173,9 @@ TABLE = [
     (_DESIGN, r"Total", design_total),
     (_DESIGN, _INDEX, design_index),
     (r"Significance tests", r"(?:V[abcd] and )?" + _INDEX + r" ?: P-value", significance),
-    (r"Population specific FST indices", r"FST, samples in order", population_table(r"Population specific FST indices", 0)),
-    (r"Population specific FIS indices", r"FIS, samples in order", population_table(r"Population specific FIS indices", 0)),
-    (r"Population specific FIS indices \(.*", r"P\(Rand FIS>=Obs FIS\)", population_table(r"Population specific FIS indices", 1)),
+    (_POP_FST, r"FST, samples in order", population_table(_POP_FST, 0)),
+    (_POP_FIS, r"FIS, samples in order", population_table(_POP_FIS, 0)),
+    (_POP_FIS + r" \(.*", r"P\(Rand FIS>=Obs FIS\)", population_table(_POP_FIS, 1)),
     (_LOCI, r"Locus column", locus_columns("Locus")),
     (_LOCI, r"SSD of .*", locus_columns("SSD")),
     (_LOCI, r"d\.f\. of both levels", locus_columns(r"d\.f\.")),

@@ -1,7 +1,8 @@
-"""Extractors of the Hardy-Weinberg test, of linkage disequilibrium of phased data, and of the exact test of differentiation."""
+"""Extractors of the Hardy-Weinberg test, linkage disequilibrium of phased data, and the test of differentiation."""
 import re
 
-from case_document import Missing, Printed, after, cells, is_number, is_rule, labelled, lower_triangle, matrix_rows, numbers
+from case_document import (Missing, Printed, after, cells, is_number, is_rule, labelled, lower_triangle, matrix_rows,
+                           numbers)
 
 HARDY_WEINBERG = "Hardy-Weinberg equilibrium"
 LINKAGE = "Pairwise linkage disequilibrium"
@@ -45,7 +46,7 @@ def linkage_p(doc, check):
 
 
 def read_allele_table(lines):
-    """A table of two loci: (alleles of the rows, alleles of the columns, rows of cells); lists are empty where no labels stand."""
+    """A table of two loci: (alleles of the rows, alleles of the columns, rows of cells); no labels give empty lists."""
     rows, row_alleles, head = [], [], []
     for line in lines:
         words = line.replace("|", " ").split()
@@ -86,7 +87,7 @@ def pair_block(doc, sample, first, second):
 
 
 def linkage_table(kind):
-    """Extractor of one of the seven tables of a pair of loci as {allele/allele: value}; the pair stands in the id of the check."""
+    """Extractor of one of the seven tables of a pair of loci as {allele/allele: value}; the id of the check names them."""
     def extract(doc, check):
         first, second = re.search(r"\.(\d+)-(\d+)\.", check["id"]).groups()
         block = pair_block(doc, check["sample"], first, second)
@@ -104,7 +105,8 @@ def linkage_table(kind):
 
 def global_differentiation(doc, check):
     lines = doc.section(DIFFERENTIATION)
-    return labelled([line.replace("=", ":", 1) for line in lines if "Exact P value =" in line], r"Non-differentiation: Exact P value")
+    lines = [line.replace("=", ":", 1) for line in lines if "Exact P value =" in line]
+    return labelled(lines, r"Non-differentiation: Exact P value")
 
 
 def pairwise_differentiation(doc, check):

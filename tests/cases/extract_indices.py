@@ -1,4 +1,4 @@
-"""Extractors of the diversity indices of a sample: standard and molecular indices, thetas, the distance matrix between haplotypes."""
+"""Extractors of the diversity indices of a sample: standard and molecular indices, thetas, distances of haplotypes."""
 import re
 
 from case_document import Missing, after, cells, is_number, is_rule, labelled, numbers
@@ -13,7 +13,7 @@ def label_of(section, pattern, where=0):
 
 
 def locus_table(doc, check):
-    """Per-locus table of a sample: (column names, rows of polymorphic loci, Mean row, s.d. row); the closing rows by column name."""
+    """Per-locus table of a sample: (column names, rows of polymorphic loci, {title: closing row}), rows by column name."""
     lines = doc.section(STANDARD, check["sample"])
     start = after(lines, "Results are only shown for polymorphic loci")
     optional = {"Obs.": "obs", "Exp.": "exp", "Allelic": "range", "G-W": "gw"}
@@ -145,8 +145,10 @@ TABLE = [
      label_of(MOLECULAR, r"(?:No\.|Number) of (?:observed )?sites with substitutions")),
     (_MD, r"[ACGT] :", composition),
     (_MD, r"Mean number of pairwise differences", label_of(MOLECULAR, r"Mean number of pairwise differences")),
-    (_MD, r"Mean number of pairwise differences, behind \+/-", label_of(MOLECULAR, r"Mean number of pairwise differences", 1)),
-    (_MD, r"Nucleotide diversity \(average over loci\)", label_of(MOLECULAR, r"Nucleotide diversity \(average over loci\)")),
+    (_MD, r"Mean number of pairwise differences, behind \+/-",
+     label_of(MOLECULAR, r"Mean number of pairwise differences", 1)),
+    (_MD, r"Nucleotide diversity \(average over loci\)",
+     label_of(MOLECULAR, r"Nucleotide diversity \(average over loci\)")),
     (_MD, r"Nucleotide diversity \(average over loci\), behind \+/-",
      label_of(MOLECULAR, r"Nucleotide diversity \(average over loci\)", 1)),
     (_MD, r"Average gene diversity over loci", label_of(MOLECULAR, r"Average gene diversity over loci")),

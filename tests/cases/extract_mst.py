@@ -1,4 +1,4 @@
-"""Extractors of minimum spanning trees and their alternative links, of one sample or of all haplotypes of the project."""
+"""Extractors of minimum spanning trees and their alternative links, of one sample or of the whole project."""
 import re
 
 from case_document import Missing, after, is_number, is_rule, numbers
@@ -28,7 +28,7 @@ def tree_links(lines):
 
 
 def alternative_links(lines, known):
-    """Alternatives as (identifier, identifier): rows 'id  id (length) id (length)' up to the first line that opens with no known one."""
+    """Alternatives as (identifier, identifier): rows 'id  id (length) id (length)' that open with a known one."""
     start = after(lines, r"Alternative connections between OTUs")
     start = after(lines, r"OTU\s+List of alternative links", start)
     links = []
@@ -51,7 +51,7 @@ def lengths(doc, check):
 
 
 def network(doc, check):
-    """Links of tree and alternatives as pairs of numbers of the haplotypes in file order, counted from 1, the smaller one first."""
+    """Links of tree and alternatives as pairs of numbers of haplotypes, from 1 in file order, the smaller one first."""
     lines = tree_section(doc, check.get("sample"))
     order = {name: k + 1 for k, name in enumerate(doc.haplotypes(check.get("sample")))}
     pairs = [link[:2] for link in tree_links(lines)] + alternative_links(lines, order)

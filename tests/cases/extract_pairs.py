@@ -1,12 +1,13 @@
-"""Extractors of the comparisons of pairs of samples: FST and derived matrices, their P-values, mean differences, delta mu-square."""
+"""Extractors of the comparisons of pairs of samples: FST and derived matrices, mean differences, delta mu-square."""
 import re
 
 from case_document import Missing, after, lower_triangle, matrix_rows, square
 
 PAIRS = "Comparisons of pairs of population samples"
 HEADINGS = (
-    "Population pairwise FSTs", "FST P values", "Matrix of significant Fst P values", "Population average pairwise differences",
-    "PXY P value", "Corrected PXY P value", "Delta mu-square distance between all pairs of populations",
+    "Population pairwise FSTs", "FST P values", "Matrix of significant Fst P values",
+    "Population average pairwise differences", "PXY P value", "Corrected PXY P value",
+    "Delta mu-square distance between all pairs of populations",
     "Matrix of coancestry coefficients as t/M=-ln(1-FST)", "Matrix of Slatkin linearized FSTs as t/M=FST/(1-FST)")
 
 

@@ -1,10 +1,11 @@
 #!/usr/bin/env python3
 """Runs the reference cases and compares every check of expected.json with the printed document.
 
-usage: run_cases.py PATH_TO_TOVCORE [--case NAME] [--id PATTERN] [--format xml|html|both] [--jobs N] [--update] [--verbose]
+usage: run_cases.py PATH_TO_TOVCORE [--case NAME] [--id PATTERN] [--format xml|html|both] [--update] [--verbose]
 
-Each pair of project and settings runs once, in an empty directory. Checks that are not reached yet stand in expected_failures.txt as lines
-'case id', sorted. Exit status 1 when a check fails that is not listed, when a listed check passes, or when a line of the list names no check.
+Each pair of project and settings runs once, in an empty directory. Checks that are not reached yet stand in
+expected_failures.txt as lines 'case id', sorted. Exit status 1 when a check fails that is not listed, when a listed
+check passes, or when a line of the list names no check.
 """
 import argparse
 import concurrent.futures
@@ -31,12 +32,12 @@ def result_document(results, stem, suffix):
     wanted = results / (stem + suffix)
     if wanted.is_file():
         return wanted
-    others = [p for p in sorted(results.glob("*" + suffix)) if not p.stem.endswith(("_main", "_tree"))] if results.is_dir() else []
+    others = [p for p in sorted(results.glob("*" + suffix)) if not p.stem.endswith(("_main", "_tree"))]
     return others[0] if len(others) == 1 else None
 
 
 def run_project(program, folder, project, settings, form, limit, keep=None):
-    """Runs the program on copies of the two files in an empty directory; gives (Document or None, seconds, complaint or None)."""
+    """Runs the program on copies of the two files in an empty directory: (Document or None, seconds, complaint or None)."""
     work = pathlib.Path(tempfile.mkdtemp(prefix="tov_case_"))
     begun = time.monotonic()
     try:
@@ -59,7 +60,8 @@ def run_project(program, folder, project, settings, form, limit, keep=None):
         markup = path.read_text(encoding="latin-1")
         if keep is not None:
             keep.mkdir(parents=True, exist_ok=True)
-            (keep / f"{folder.name}.{stem}.{settings.rsplit('.', 1)[0]}{SUFFIX[form]}").write_text(markup, encoding="latin-1")
+            name = ".".join((folder.name, stem, settings.rsplit(".", 1)[0])) + SUFFIX[form]
+            (keep / name).write_text(markup, encoding="latin-1")
         return Document(markup, (folder / project).read_text(encoding="latin-1")), time.monotonic() - begun, complaint
     except OSError as error:
         return None, time.monotonic() - begun, str(error)
@@ -80,7 +82,7 @@ def write_list(path, names):
 
 
 def select(checks, case, pattern):
-    return [c for c in checks if (not case or fnmatch.fnmatch(c["case"], case)) and (not pattern or fnmatch.fnmatch(c["id"], pattern))]
+    return [c for c in checks if fnmatch.fnmatch(c["case"], case or "*") and fnmatch.fnmatch(c["id"], pattern or "*")]
 
 
 def arguments(argv):
@@ -91,7 +93,7 @@ def arguments(argv):
     parser.add_argument("--format", choices=("xml", "html", "both"), default="xml", help="form of the documents")
     parser.add_argument("--jobs", type=int, default=2, help="runs at the same time")
     parser.add_argument("--limit", type=float, default=400, help="seconds that a run may take")
-    parser.add_argument("--update", action="store_true", help="write the list of expected failures anew for the chosen checks")
+    parser.add_argument("--update", action="store_true", help="write the list of expected failures anew")
     parser.add_argument("--verbose", action="store_true", help="print what was found and expected for every check")
     parser.add_argument("--keep", type=pathlib.Path, help="directory in which the documents are left")
     parser.add_argument("--folder", type=pathlib.Path, default=HERE, help="directory of the cases")
@@ -104,7 +106,7 @@ def run_all(options, checks):
     runs = sorted({(c["case"], c["project"], c["run"], form) for c in checks for form in forms})
     program = options.program.resolve()
     with concurrent.futures.ThreadPoolExecutor(max(1, options.jobs)) as pool:
-        futures = {run: pool.submit(run_project, program, options.folder / run[0], run[1], run[2], run[3], options.limit, options.keep)
+        futures = {run: pool.submit(run_project, program, options.folder / run[0], *run[1:], options.limit, options.keep)
                    for run in runs}
         return {run: future.result() for run, future in futures.items()}
 
@@ -121,8 +123,8 @@ def judge_all(options, checks, results):
             if document is None and complaint:
                 reason = complaint
             if options.verbose:
-                print(f"{'ok  ' if passed else 'FAIL'} {' '.join(name)} [{run[3]}]\n     expected {check['value']}\n     found    {found}"
-                      + ("" if passed else f"\n     {reason}"))
+                print(f"{'ok  ' if passed else 'FAIL'} {' '.join(name)} [{run[3]}]\n     expected {check['value']}")
+                print(f"     found    {found}" + ("" if passed else f"\n     {reason}"))
             verdicts[name] = verdicts.get(name) or (None if passed else reason)
     return verdicts
 
