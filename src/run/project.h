@@ -5,6 +5,7 @@
 #include <iosfwd>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "input/profile.h"
 
@@ -13,6 +14,7 @@ namespace tov {
 class DistMat;
 class Haplo_DB;
 class Mantel;
+class Population;
 class Samples;
 class Structure;
 class TAlleleDB;
@@ -63,6 +65,11 @@ public:
     /// Logs that the detection of repeat lengths is skipped (microsatellites); leaves the data alone.
     void convertMicrosatToNumberOfRepeats();
 
+    // --- Groups as samples (project_structure.cpp) ---
+    /// One sample a group of `inStructure`, named "Group1", "Group2", ..., all in the one group of `outStructure`.
+    /// Sets `phenToGamDone` for genotypic data.
+    void poolSamplesInGroups(Samples const& in, Structure const& inStructure, Samples& out, Structure& outStructure);
+
     // --- Distances between haplotypes (project_distances.cpp) ---
     /// Fills the distance matrix from the project's haplotypes. @return 1, or 0 after code 136.
     int calc_dist_matrix(int method, double gamma);
@@ -103,50 +110,58 @@ public:
 
 private:
     struct RunFrame;
+    struct LevelWords;
 
     // Steps of run(), in the order of their calls (project_run.cpp).
     bool clean_input(RunFrame& frame);
     void open_result_document(RunFrame& frame);
     void begin_document(RunFrame& frame);
+    void name_run_files();
+    void print_frame_pages() const;
     void print_run_banner(RunFrame& frame);
-    bool read_project(RunFrame& frame);
-    void prepare_data(RunFrame& frame);
-    void print_project_information(RunFrame& frame);
+    bool read_project();
+    void prepare_data();
+    void set_locus_separator(char separator);
+    void print_project_information();
     bool check_tasks(RunFrame& frame);
-    void run_group_level(RunFrame& frame);
-    void run_sample_level(RunFrame& frame);
-    void analyse_level(char const* title, char const* tree_entry, bool pooled);
-    void assign_genotypes();
-    void analyse_samples(char const* title, char const* tree_entry, bool pooled);
-    void analyse_structure();
-    void detect_selection();
-    void print_summary_statistics();
+    void clear_impossible_individual_level();
+    void run_group_level();
+    void run_sample_level();
+    void analyse_level(LevelWords const& words);
+    void analyse_samples(LevelWords const& words);
     void end_run(RunFrame& frame);
     int abandon_run(RunFrame& frame);
     [[nodiscard]] std::ostream& document();
 
     // Steps of make_run_possible() (project_checks.cpp).
-    int build_sample_vectors();
+    int prepare_data_for_tasks();
+    void build_sample_vectors();
     int convert_phenotypes_and_build_vectors();
     int build_missing_vectors();
     int adapt_distance_settings();
+    void drop_amova_without_structure();
     void adapt_markov_chains();
     void adapt_remaining_tasks();
     [[nodiscard]] bool phase_known_or_haplotypic() const;
 
     // Steps of the distance functions (project_distances.cpp).
     int calc_dist_matrix(Haplo_DB& list, int method, double gamma, bool report_loci);
+    std::unique_ptr<Population> analyse_list(Haplo_DB& list, int method, double gamma);
+    bool find_redundancy_matrix();
+    [[nodiscard]] std::vector<int> redundancy_classes() const;
+    void print_shared_haplotypes();
 
-    // Explore (project_explore.cpp).
+    // Steps of explore() (project_explore.cpp).
+    int explore_sub_section(std::istream& in, int id);
     void write_front_end_summary(std::string const& directory) const;
 
-    std::unique_ptr<Haplo_DB> haplotypes_;   // owned
-    std::unique_ptr<DistMat> distances_;     // owned
-    std::unique_ptr<Samples> samples_;       // owned
-    std::unique_ptr<Structure> structure_;   // owned
-    std::unique_ptr<Mantel> mantel_;         // owned
-    std::unique_ptr<TAlleleDB> alleles_;     // owned
-    std::unique_ptr<settings> settings_;     // owned
+    std::unique_ptr<Haplo_DB> haplotypes_;  // owned
+    std::unique_ptr<DistMat> distances_;    // owned
+    std::unique_ptr<Samples> samples_;      // owned
+    std::unique_ptr<Structure> structure_;  // owned
+    std::unique_ptr<Mantel> mantel_;        // owned
+    std::unique_ptr<TAlleleDB> alleles_;    // owned
+    std::unique_ptr<settings> settings_;    // owned
 };
 
 /// The parts of `project` as the analyses see them; all pointers are borrowed.
