@@ -2,6 +2,7 @@
 #pragma once
 
 #include <iosfwd>
+#include <set>
 #include <string>
 
 #include "base/arrays.h"
@@ -19,7 +20,7 @@ public:
     ///
     /// @param separator  locus separator to turn into a blank; 0: none.
     int execute(char separator, char const* file);
-    /// Removes each cleaned file that can be opened.
+    /// Removes each cleaned file that this cleaner has written and that can be opened.
     void rm_clean_files();
 
     /// Name of the cleaned project, or null before execute or when it could not be written.
@@ -50,6 +51,9 @@ public:
 
 private:
     int clean_other_file(int i);
+
+    std::set<std::string> known_files_;  // cleaned copies asked for so far
+    std::set<std::string> written_;      // cleaned copies that exist by this cleaner's work
 };
 
 }  // namespace tov

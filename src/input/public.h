@@ -22,8 +22,8 @@ inline constexpr int NB_SUB_SECTIONS = 5;
 /// The earlier defaults file of the front end; it plays no part in a run.
 class IniFile {
 public:
-    /// Writes the default "Tovenia.ini" into the stream.
-    void write_ini(std::ostream& os) const;
+    /// Writes the default file. @return 1, or 0 when it can't be written.
+    int write_ini(char const* file = "Tovenia.ini") const;
     /// Does nothing.
     void read_ini() const {}
 };
@@ -40,7 +40,8 @@ int checkForPresenceOfEqualSign(my_string const& text, char const* name, int lin
 int getQuotedString(my_string const& text, my_string& out, char const* name, int line);
 /// All that stands behind the first '='; always 1.
 int getUnQuotedString(my_string const& text, my_string& out, char const* name, int line);
-/// Number behind the first '=', blanks around it allowed. Errors: 190 on overflow, on other text, on nothing; result 0.
+/// Number behind the first '=', blanks around it allowed; nothing counts as 0.
+/// Errors: 190 on a value beyond the largest double and on other text; result 0 and `out` as it was.
 int getValue(my_string const& text, double& out, char const* name, int line);
 /// 1 if the file name holds a path ('/' or '\').
 [[nodiscard]] int detectFullPathInFileName(my_string const& name);
@@ -89,5 +90,7 @@ int MY_CreateDirectory(char const* name);
 int MY_DeleteFile(char const* name);
 /// Copies a whole file. @return 1, or 0 when one of the two does not open.
 int MY_CopyFile(char const* from, char const* to);
+/// Replaces every '\' by '/' in place.
+void convert_to_slash(char* path);
 
 }  // namespace tov
