@@ -116,7 +116,5 @@ void print_results_footer(std::ostream& out, bool xml);
 [[nodiscard]] std::string file_url(std::string_view working_directory, std::string_view path);
 /// "p/name.res/name_main.htm" of "p/name.tvp".
 [[nodiscard]] std::string buildToveniaResultFileName(std::string_view project);
-/// "p/name.res/Tovenia_log.txt" of "p/name.tvp".
-[[nodiscard]] std::string buildToveniaLogFileName(std::string_view project);
 
 }  // namespace tov

@@ -102,19 +102,17 @@ void lower_triangle(std::ostream& out, int n, CellText const& cell, int cell_wid
 void significance_matrix(std::ostream& out, std::span<std::string const> labels, MatrixForm const& form,
                          CellValue const& p, double level);
 
-/// A drawing of counts as columns of blocks, one column an item, with the counts beneath.
-///
-/// Each row of the drawing stands for one unit (or `step` units), from the largest count down to 1; a column has "|##|"
-/// in it as far as its count reaches. Under the drawing come a rule, the labels, and the counts.
-struct BarForm {
+/// How a framed row of values is printed.
+struct FramedRowForm {
     int cell_width = 6;
-    std::string_view row_head{};  ///< title of the scale on the left
-    std::string_view row_tail{};  ///< text behind the labels
-    double step = 1.0;            ///< units a row
-    int precision = 0;            ///< digits of the values beneath; 0 prints integers
+    std::string_view head{};  ///< in front of the labels; the values are moved in by as much
+    std::string_view tail{};  ///< behind the values
+    int precision = 0;        ///< digits of the values; 0 prints integers
 };
-void bar_chart(std::ostream& out, std::span<std::string const> labels, std::span<double const> values,
-               BarForm const& form);
+/// One value for each label, in cells between "|", the line of labels and that of values between rules of '-'.
+/// It shows the number of significant partners of each sample or locus. Labels are escaped here.
+void framed_row(std::ostream& out, std::span<std::string const> labels, std::span<double const> values,
+                FramedRowForm const& form = {});
 
 // --- Rows of numbers, percentiles ---
 
