@@ -1,4 +1,4 @@
-// The rows of a lower triangle as project files hold them, read line by line into a TriMat.
+// The rows of a lower triangle as project files hold them.
 #pragma once
 
 #include <iosfwd>
@@ -14,18 +14,27 @@ enum class LabelPlace { none, first_line, row_head };
 
 /// How the rows of a triangle are to be read.
 struct MatrixRowsRequest {
-    int size = 0;                              ///< rows
+    int size = 0;  ///< rows
     LabelPlace label_place = LabelPlace::none;
-    bool brace_required = true;                ///< false for a file of its own
+    bool brace_required = true;  ///< false for a file of its own, which may end without a brace
 };
 
-/// Reads `size` rows into `target` (dimension `size`), row i holding i values (i from 1), up to the closing brace.
+/// Rows as read: row i (from 0) holds i + 1 values.
+struct MatrixRows {
+    std::vector<std::vector<double>> values;
+    std::vector<my_string> labels;  ///< none when the text holds none
+};
+
+/// Reads `size` rows, row i holding i values (i from 1), up to the closing brace.
 ///
-/// @param labels      filled with `size` labels when they stand in the text; untouched otherwise.
 /// @param line        line number, raised with each line read.
-/// @param first_line  text behind the opening brace; taken as a line of its own when not blank.
-/// @return 1, or 0 after a log line on the first fault. Cost: linear in the text.
-int read_matrix_rows(std::istream& is, MatrixRowsRequest const& request, TriMat& target,
-                     std::vector<my_string>& labels, int& line, my_string const& first_line);
+/// @param first_line  text behind the opening brace; empty when no brace has been met yet.
+/// @return 1, or 0 after a log line on the first fault. Memory: in proportion to the text, whatever `size` says.
+int read_matrix_rows(std::istream& is, MatrixRowsRequest const& request, MatrixRows& rows, int& line,
+                     my_string const& first_line);
+
+/// Gives the matrix the size of the rows and moves their values into it.
+/// @return 1, or 0 after a log line when the memory does not suffice.
+int fill_triangle(TriMat& matrix, MatrixRows& rows);
 
 }  // namespace tov

@@ -43,7 +43,11 @@ public:
     void reindex() const;
 
     /// Reads a haplotype list; defined with the readers. @return 1, or 0 after its report.
-    int NewReadHaplotypeList(std::istream& is, ProfileSettings& profile, bool external, int& line);
+    ///
+    /// @param external  the list is a file of its own, which needs no braces.
+    /// @param opening   line of the key, with the opening brace and what stands behind it.
+    int NewReadHaplotypeList(std::istream& is, ProfileSettings& profile, bool external, int& line,
+                             my_string const& opening = my_string());
 
     /// Gives each definition the row of the label that equals its id. Reports 29, 28, 173. @return 1 or 0.
     int associate_with1(DistMat const& matrix);

@@ -84,8 +84,15 @@ public:
     bool operator==(Population const& other) const { return sample_name == other.sample_name; }
 
     // --- Reading; defined with the readers ---
-    int New_read_gametic_data(std::istream& is, Haplo_DB& db, int has_list, int& line, my_string& text);
-    int New_read_genotypic_data(std::istream& is, int external, int& line, my_string& text);
+    /// Reads the lines of a sample up to the closing brace: one an entry (haplotypes), or two (genotypes).
+    ///
+    /// The sample's profile and its declared size stand already. @param has_list the definitions come from a list;
+    /// @param external the data are a file of their own, whose end closes them; @param text what stands behind the
+    /// opening brace; @param project_loci loci of the project's first entry, 0 before it. @return 1, or 0 after a
+    /// report.
+    int New_read_gametic_data(std::istream& is, Haplo_DB& db, int has_list, int& line, my_string& text,
+                              int external = 0, int project_loci = 0);
+    int New_read_genotypic_data(std::istream& is, int external, int& line, my_string& text, int project_loci = 0);
 
     // --- Conversions (popbase_convert.cpp) ---
     /// Relative frequencies, then the alleles of both chromosomes of every phenotype from their texts, each inserted
