@@ -53,6 +53,11 @@ public:
     void release_pop_freq() noexcept { std::vector<double>().swap(pop_freq_); }
     void release_group_freq() noexcept { std::vector<double>().swap(group_freq_); }
 
+    [[nodiscard]] int pop_freq_slots() const noexcept { return static_cast<int>(pop_freq_.size()); }
+    [[nodiscard]] int group_freq_slots() const noexcept { return static_cast<int>(group_freq_.size()); }
+
+    /// Inserted with a positive count at least once; freq() alone can't tell, analyses overwrite it sample by sample.
+    [[nodiscard]] bool was_observed() const noexcept { return observed_; }
     /// The locus that owns this allele, or null for an allele outside any database.
     [[nodiscard]] TLocus const* home() const noexcept { return home_; }
     /// Index of this allele within home(); meaningless without one.
@@ -74,6 +79,7 @@ private:
     int locus_ = 0;
     int temp_position_ = 0;
     int rank_ = -1;
+    bool observed_ = false;
     TLocus const* home_ = nullptr;  // borrowed
     std::vector<double> pop_freq_;
     std::vector<double> group_freq_;
@@ -214,8 +220,6 @@ public:
     TAllele not_found;
 
 private:
-    void append_copies_of(TAlleleDB const& other);
-
     my_string blank_name_;
     mutable int indexed_ = 0;
     mutable std::unordered_map<std::string, int> by_name_;

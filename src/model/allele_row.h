@@ -50,6 +50,8 @@ public:
     /// Empties the row and makes room for n alleles.
     void Reallocate(int n);
 
+    /// Whether both rows hold the same allele at position p; false outside either.
+    [[nodiscard]] bool same_at(int p, AlleleRow const& other) const;
     [[nodiscard]] bool operator==(AlleleRow const& other) const noexcept;
     /// Equal rows have equal hashes.
     [[nodiscard]] std::size_t hash() const noexcept;
@@ -63,6 +65,8 @@ private:
     [[nodiscard]] int bytes() const noexcept { return size_ * static_cast<int>(width_); }
     [[nodiscard]] int capacity_bytes() const noexcept { return heap_ ? heap_bytes_ : inline_bytes; }
     [[nodiscard]] bool fits(TAllele const* allele, int p) const noexcept;
+    [[nodiscard]] bool same_frame(AlleleRow const& other) const noexcept;
+    void make_room_for(TAllele const* allele, int p);
     void reserve_bytes(int n);
     void widen(Width width);
     void store(int p, TAllele* allele) noexcept;

@@ -58,8 +58,7 @@ public:
     void reset();
     /// Removes a character from every content; each content is read only as far as the first one is long.
     void rm_separators(char separator);
-    /// Path of an external file; one with a slash stays as it stands, others get the project's directory in front.
-    void build_ext_name(char* dest, char const* name) const;
+    /// Path of an external file, see external_file_name.
     [[nodiscard]] my_string ext_name(my_string const& name) const;
 
     my_string name;              ///< name of the list
@@ -67,12 +66,18 @@ public:
 
 private:
     void index_new_entries() const;
+    [[nodiscard]] HaploDef* first_match(std::unordered_multimap<std::size_t, int> const& index,
+                                        my_string HaploDef::*field, my_string const& text) const;
 
     MY_TIArrayAsVector<HaploDef> list_;
     mutable int indexed_ = 0;
     mutable std::unordered_multimap<std::size_t, int> by_content_;
     mutable std::unordered_multimap<std::size_t, int> by_id_;
 };
+
+/// Path of an external file: one with a slash stays as it stands, others get the project's directory in front.
+/// Without settings, logs "Pointer to project dir is not initialized. ERROR" and gives the name back.
+[[nodiscard]] my_string external_file_name(my_string const& file, settings const* run_settings);
 
 /// The section [[HaplotypeDefinition]] in project file form; nothing for an empty list.
 std::ostream& operator<<(std::ostream& os, Haplo_DB const& list);

@@ -110,8 +110,8 @@ public:
     TPopHaploDB(TPopHaploDB const& other);
     TPopHaploDB& operator=(TPopHaploDB const& other);
 
-    [[nodiscard]] MY_TIArrayAsVector<TPopHaplotype>& get_haplo_vect() noexcept { return *this; }
-    [[nodiscard]] MY_TIArrayAsVector<TPopHaplotype> const& get_haplo_vect() const noexcept { return *this; }
+    [[nodiscard]] TPopHaploDB& get_haplo_vect() noexcept { return *this; }
+    [[nodiscard]] TPopHaploDB const& get_haplo_vect() const noexcept { return *this; }
     [[nodiscard]] int nb_haplotypes() const { return static_cast<int>(GetItemsInContainer()); }
     /// Haplotype at an index in [0, nb_haplotypes()).
     [[nodiscard]] TPopHaplotype& haplotype(int index) const;
@@ -126,6 +126,10 @@ public:
     [[nodiscard]] TPopHaplotype* find(TPopHaplotype const& h) const;
     /// Appends a haplotype, which becomes owned, equal to another or not. @return the new count.
     int Add(TPopHaplotype* h);
+    /// Removal, as in the array itself.
+    void Detach(int const& i);
+    void Destroy(int const& i);
+    void Flush();
     /// Makes room for n haplotypes.
     void reserve(std::size_t n);
     /// Forgets the look-up table; it is built anew by the next look-up.
@@ -175,6 +179,8 @@ public:
 
 private:
     void shrink();
+    void keep_only(std::vector<char> const& kept);
+    [[nodiscard]] TPopHaplotype* find_hashed(AlleleRow const& alleles, std::size_t hash) const;
     void index_all() const;
     void index_entry(std::size_t hash, int position) const;
     void print_alleles(std::ostream& os, TPopHaplotype const& h, bool compact) const;
@@ -182,7 +188,7 @@ private:
     std::vector<int> pol_flags_;
     std::unique_ptr<TPopHaplotype> reference_;
     std::unique_ptr<TAllele> reference_allele_;
-    // Open addressing table of positions + 1, a power of two long; valid while indexed_ equals the count.
+    // Open addressing table of positions + 1, a power of two long; holds the first indexed_ haplotypes (-1: stale).
     mutable std::vector<std::uint32_t> table_;
     mutable std::vector<std::size_t> hashes_;
     mutable int indexed_ = 0;

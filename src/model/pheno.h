@@ -95,11 +95,11 @@ public:
     [[nodiscard]] my_string& allele_string(int which = 0) noexcept { return allele_string_[which != 0]; }
     [[nodiscard]] my_string const& allele_string(int which = 0) const noexcept { return allele_string_[which != 0]; }
 
-    /// Builds the alleles of chromosome 0 or 1 anew from its text, adding obs_count to each in `db`.
+    /// Builds the alleles of chromosome 0 or 1 anew from its text (if there is any), adding `count` to each in `db`.
     ///
     /// build_pseudo_hapl0: one character is one allele. build_pseudo_hapl1: pieces between separators.
-    void build_pseudo_hapl0(TAlleleDB& db, int which);
-    void build_pseudo_hapl1(TAlleleDB& db, char separator, int which);
+    void build_pseudo_hapl0(TAlleleDB& db, int which, double count);
+    void build_pseudo_hapl1(TAlleleDB& db, char separator, int which, double count);
 
     /// Counts the loci whose two alleles differ, and keeps the number.
     int count_hetero_loci();
@@ -158,9 +158,9 @@ public:
 private:
     struct Enumeration;
 
-    void enumerate_plain(Enumeration& e);
-    void enumerate_recessive(Enumeration& e);
-    void keep_genotype(Enumeration& e, bool may_repeat);
+    void keep_genotype(Enumeration& e);
+    void copy_frame(TPhenotype const& source);
+    TPopHaplotype& start_chromosome(int which, char separator, int loci);
 
     my_string name_;
     double obs_count_ = 0.0;
@@ -232,6 +232,9 @@ public:
 
     void print_all_genotypes(std::ostream& os) const;
     void printGenotypeFrequencies(std::ostream& os, double const& N);
+
+    /// Gives up the phenotypes for those of `list`.
+    void replace_by(std::vector<std::unique_ptr<TPhenotype>> list);
 
     double ln_likelihood = 0.0;
     double F = 0.0;               ///< inbreeding estimate left by the EM

@@ -1,0 +1,158 @@
+// The list of named haplotypes of a project.
+#include "model/hapldb.h"
+
+#include <algorithm>
+#include <ostream>
+
+#include "base/dmat.h"
+#include "input/settings.h"
+#include "run/errors.h"
+
+namespace tov {
+
+namespace {
+
+std::size_t hash_of(my_string const& text) noexcept { return std::hash<my_string>{}(text); }
+
+}  // namespace
+
+Haplo_DB::Haplo_DB() : name("no_name"), list_(9, 100) {}
+
+Haplo_DB::Haplo_DB(Project* owner) : Haplo_DB() { project = owner; }
+
+Haplo_DB::Haplo_DB(Haplo_DB const& other) : Haplo_DB() { *this = other; }
+
+Haplo_DB& Haplo_DB::operator=(Haplo_DB const& other) {
+    if (this == &other) return *this;
+    ProfileSettings::operator=(other);
+    name = other.name;
+    project = other.project;
+    list_ = other.list_;
+    reindex();
+    return *this;
+}
+
+HaploDef& Haplo_DB::operator[](int index) const { return *list_[index]; }
+
+int Haplo_DB::Add(HaploDef* haplotype) { return list_.Add(haplotype); }
+
+void Haplo_DB::reindex() const {
+    indexed_ = 0;
+    by_content_.clear();
+    by_id_.clear();
+}
+
+void Haplo_DB::index_new_entries() const {
+    if (indexed_ > size()) reindex();
+    for (; indexed_ < size(); ++indexed_) {
+        HaploDef const& h = *list_[indexed_];
+        by_content_.emplace(hash_of(h.content), indexed_);
+        by_id_.emplace(hash_of(h.id), indexed_);
+    }
+}
+
+HaploDef* Haplo_DB::first_match(std::unordered_multimap<std::size_t, int> const& index, my_string HaploDef::*field,
+                                my_string const& text) const {
+    int best = size();
+    auto const [from, to] = index.equal_range(hash_of(text));
+    for (auto it = from; it != to; ++it) {
+        if (it->second < best && list_[it->second]->*field == text) best = it->second;
+    }
+    return best < size() ? list_[best] : nullptr;
+}
+
+HaploDef* Haplo_DB::find(my_string const& content) const {
+    index_new_entries();
+    return first_match(by_content_, &HaploDef::content, content);
+}
+
+HaploDef* Haplo_DB::find_id(my_string const& id) const {
+    index_new_entries();
+    return first_match(by_id_, &HaploDef::id, id);
+}
+
+int Haplo_DB::associate_with1(DistMat const& matrix) {
+    for (HaploDef* const h : list_.view()) h->matrix_index = -1;
+    int const nb_labels = std::min(matrix.nb_labels, static_cast<int>(matrix.labels.size()));
+    if (nb_labels <= 0) {
+        E.error(ErrorType::Warning, "Haplo_DB::associate_with1()", 29);
+        return 0;
+    }
+    int misses = 0;
+    for (int row = 0; row < nb_labels; ++row) {
+        my_string const& label = matrix.labels[static_cast<std::size_t>(row)];
+        if (HaploDef* const h = find_id(label)) {
+            h->matrix_index = row;
+            continue;
+        }
+        E.error(ErrorType::Warning, "Haplo_DB::associate_with1()", 28);
+        *_AOS_ << "\tHaplotype \"" << label << "\" defined in the labels of the user-defined\n\t"
+               << "distance matrix was not found in any population sample\n";
+        ++misses;
+    }
+    for (HaploDef const* const h : list_.view()) {
+        if (h->matrix_index < 0) {
+            E.error(ErrorType::Error, "Haplo_DB::associate_with1()", 173);
+            return 0;
+        }
+    }
+    if (misses > 0) {
+        *_AOS_ << "\nWARNING: " << misses << " haplotype" << (misses > 1 ? "s" : "")
+               << " defined in the distance matrix\n"
+               << "         could not be found in any population sample\n\n";
+    }
+    return 1;
+}
+
+int Haplo_DB::associate_with2(DistMat const& matrix) {
+    if (size() != matrix.dimension() && !matrix.conventional_fst()) {
+        E.error(ErrorType::Error, "Haplo_DB::associate_with2()", 30);
+        return 0;
+    }
+    for (int i = 0; i < size(); ++i) list_[i]->matrix_index = i;
+    return 1;
+}
+
+void Haplo_DB::reset() {
+    name = my_string("no_name");
+    list_.Flush();
+    reindex();
+}
+
+// kept on purpose: a content longer than the first one loses its end; the lengths were checked to be equal before.
+void Haplo_DB::rm_separators(char separator) {
+    if (size() == 0) return;
+    auto const length = static_cast<std::size_t>(list_[0]->content.length());
+    for (HaploDef* const h : list_.view()) {
+        std::string& text = h->content.str();
+        if (text.size() > length) text.resize(length);
+        std::erase(text, separator);
+    }
+    reindex();
+}
+
+my_string Haplo_DB::ext_name(my_string const& file) const { return external_file_name(file, run_settings); }
+
+my_string external_file_name(my_string const& file, settings const* run_settings) {
+    if (file.contains("\\") || file.contains("/")) return file;
+    if (!run_settings) {
+        *_AOS_ << "Pointer to project dir is not initialized. ERROR";
+        return file;
+    }
+    return my_string(run_settings->project_dir + file.str());
+}
+
+std::ostream& operator<<(std::ostream& os, Haplo_DB const& list) {
+    if (list.is_null()) return os;
+    os << "\n\t[[HaplotypeDefinition]]\n\n\t\tHaplListName=";
+    if (list.name == "UNKNOWN") {
+        os << "\"generated by tovenia\"";
+    } else {
+        os << '"' << list.name << '"';
+    }
+    os << "\n\t\tHaplList={\n";
+    for (HaploDef const* const h : list.list().view()) os << *h << '\n';
+    return os << "\t\t}\n" << '\n';
+}
+
+}  // namespace tov
