@@ -1,0 +1,316 @@
+// Amova: set-up, choice of the design and the sums that all designs share.
+#include "structure/amova.h"
+
+#include <algorithm>
+#include <ctime>
+#include <numeric>
+#include <ostream>
+
+#include "base/dmat.h"
+#include "base/scoped_swap.h"
+#include "base/timing.h"
+#include "input/settings.h"
+#include "model/hapldb.h"
+#include "model/popbase.h"
+#include "model/sample.h"
+#include "model/struct.h"
+#include "output/html_out.h"
+#include "output/style.h"
+#include "output/table.h"
+#include "run/errors.h"
+
+namespace tov {
+
+ObservedFixation observed_fixation;
+
+namespace {
+
+std::string creation_time() {
+    std::time_t const now = std::time(nullptr);
+    char text[81];
+    std::size_t const length = std::strftime(text, sizeof text, "%d/%m/%y at %H:%M:%S", std::localtime(&now));
+    return {text, length};
+}
+
+/// The AMOVA itself is asked for.
+bool amova_wanted(settings const& set) {
+    return set.wants(task::amova) && (set.HaplAMOVA != 0 || set.LocByLocAMOVA != 0);
+}
+
+/// Something needs the AMOVA's machinery. The Mantel test alone does, as its Y comes from the pairwise FST.
+bool machinery_wanted(settings const& set) {
+    return amova_wanted(set) || set.ComputePairwiseFST != 0 || set.PrintMissIntermatchs != 0 ||
+           set.wants(task::mantel);
+}
+
+void number_populations(ProjectView const& view) {
+    for (int i = 0; i < view.samples->NbPopulations(); ++i) {
+        (*view.samples)[i]->set_numpop(-1);
+    }
+    int number = 0;
+    for (Population* const population : view.structure->all_populations()) {
+        population->set_numpop(number++);
+    }
+    for (int i = 0; i < view.samples->NbPopulations(); ++i) {
+        if ((*view.samples)[i]->numpop() < 0) {
+            (*view.samples)[i]->set_numpop(number++);
+        }
+    }
+}
+
+/// Gives every haplotype its row of the distance matrix.
+bool associate_matrix(ProjectView const& view) {
+    settings const& set = view.set;
+    if (set.ComputeDistanceMatrixAMOVA == 0) {
+        if (!view.haplotypes->associate_with1(*view.distances)) {
+            E.error(ErrorType::Warning, "Project::AMOVA()", 135);
+            return false;
+        }
+        return true;
+    }
+    if (!view.haplotypes->associate_with2(*view.distances)) {
+        E.error(ErrorType::Error, "Project::AMOVA()", 135);
+        return false;
+    }
+    view.distances->nb_labels = view.haplotypes->size();
+    view.distances->labels.clear();
+    for (int h = 0; h < view.haplotypes->size(); ++h) {
+        view.distances->labels.push_back((*view.haplotypes)[h].id);
+    }
+    return true;
+}
+
+}  // namespace
+
+bool is_amova_structure(Structure const& structure) {
+    auto const refuse = [](int code) {
+        E.error(ErrorType::Warning, "Project::IsAmovaStructure()", code);
+        return false;
+    };
+    if (structure.nb_samples() == 0) {
+        return refuse(123);
+    }
+    if (structure.nb_groups() == 0) {
+        return refuse(124);
+    }
+    if (structure.nb_groups() == structure.nb_samples() && structure.nb_groups() != 1) {
+        return refuse(125);
+    }
+    return true;
+}
+
+void print_amova_anchor(int level, settings const& set, std::string const& title, std::string const& anchor) {
+    print_js_doc_entry(set, level, anchor, title);
+}
+
+int run_amova(ProjectView const& view) {
+    settings& set = view.set;
+    long tasks = set.TaskNumber;
+    if (amova_wanted(set) && !is_amova_structure(*view.structure)) {
+        E.error(ErrorType::Warning, "Project::AMOVA()", 134);
+        if (!set.wants(task::pairwise_fst)) {
+            return 0;
+        }
+        tasks &= ~task::amova;  // only the distances between samples are left to do
+    }
+    ScopedSwap<long> const without_amova(set.TaskNumber, tasks);
+    observed_fixation = {};
+    if (machinery_wanted(set) && set.wants(task::amova | task::pairwise_fst | task::mantel) && !associate_matrix(view)) {
+        return 0;
+    }
+    number_populations(view);
+    Amova const amova(view, 1, 0, view.amova);
+    return 1;
+}
+
+Amova::Amova(ProjectView const& view, int print, int locus, amova_results* results)
+    : view_(view), print_(print != 0), locus_(locus), results_(results) {
+    settings& set = view_.set;
+    if (!machinery_wanted(set)) {
+        return;
+    }
+    for (int i = 0; i < view_.samples->NbPopulations(); ++i) {
+        Population& population = *(*view_.samples)[i];
+        if (population.is_genotypic()) {
+            population.use_gene_copy_list();
+        } else {
+            population.use_merged_list();
+        }
+        population.nb_gene_copies = 0.0;
+        for (int k = 0; k < population.nb_haplotypes(); ++k) {
+            population.nb_gene_copies += population.haplotype(k).copies;
+        }
+    }
+    initialize();
+    if (set.wants(task::amova)) {
+        set.build_sigm_histo_f_name();
+        if (print_) {
+            print_introduction();
+        }
+        design_ = select_design();
+        run_selected_design();
+    }
+    if (set.wants(task::pairwise_fst | task::mantel) || set.ComputeDeltaMuSqr != 0) {
+        CalcPairDist();
+    }
+    for (int i = 0; i < view_.samples->NbPopulations(); ++i) {
+        (*view_.samples)[i]->use_merged_list();
+    }
+}
+
+Amova::~Amova() = default;
+
+void Amova::initialize() {
+    settings& set = view_.set;
+    individual_level_ = set.IncludeIndividualLevel != 0;
+    plan_ = PermutationPlan(set.NumPermutationsAMOVA);
+    time_text_ = creation_time();
+    populations_ = view_.structure->all_populations();
+    std::vector<double> copies;
+    for (Population const* const population : populations_) {
+        copies.push_back(population->nb_gene_copies);
+    }
+    std::vector<int> group_size;
+    for (int g = 0; g < view_.structure->nb_groups(); ++g) {
+        group_size.push_back(view_.structure->group(g).nb_samples());
+    }
+    sizes_ = StructureSizes(std::move(copies), std::move(group_size));
+    sums_.Nu = individual_level_ ? 0.5 * sizes_.total : sizes_.total;
+    if (sums_.Nu >= 2147483647.0) {
+        E.error(ErrorType::Memory, "Amova::initialize()", 0);
+    }
+    order_.resize(populations_.size());
+    std::iota(order_.begin(), order_.end(), 0);
+    distances_ = PairDistances(*view_.distances, std::max(view_.distances->dimension(), view_.haplotypes->size()));
+    load_HaplotypeIndexVector();
+}
+
+/// One entry a gene copy, population after population; the two copies of an individual are neighbours.
+void Amova::load_HaplotypeIndexVector() {
+    int const known = distances_.size();
+    observed_genes_.clear();
+    observed_genes_.reserve(static_cast<std::size_t>(sizes_.total) + populations_.size() + 1);
+    for (Population const* const population : populations_) {
+        int position = 0;
+        for (int k = 0; k < population->nb_haplotypes(); ++k) {
+            PHaploDef const& entry = population->haplotype(k);
+            int h = entry.haplotype->matrix_index;
+            if ((h < 0 || h >= known) && entry.copies > 0) {
+                *_AOS_ << "Abnormal behaviour for pop:" << population->pop_name()
+                       << "\nnb_gene_copies=" << population->nb_gene_copies << " HDB.Nb_haplo"
+                       << view_.haplotypes->size() << position << " H_vect:" << h;
+                E.error(ErrorType::Error, "Population::SetUpVectorsAfterPermutation", 2);
+                h = known;
+            }
+            observed_genes_.insert(observed_genes_.end(), std::max(entry.copies, 0), h);
+            position += entry.copies;
+        }
+    }
+    genes_ = observed_genes_;
+    slices_ = gene_slices(sizes_.copies, static_cast<int>(genes_.size()));
+    within_ = std::make_unique<WithinSums>(distances_, slices_);
+    S_.assign(populations_.size(), 0.0);
+}
+
+void Amova::print_introduction() {
+    settings const& set = view_.set;
+    std::ostream& out = set.ofs();
+    view_.structure->print_structure(out);
+    if (set.ComputeConventionalFST != 0) {
+        out << "\nComputing conventional F-Statistics from haplotype frequencies";
+    } else if (set.ComputeDistanceMatrixAMOVA != 0) {
+        out << "\nDistance method: ";
+        set.print_distance_method(out, set.DistanceMethodAMOVA);
+    }
+}
+
+/// Number of the design; 0 for none.
+int Amova::select_design() const {
+    settings const& set = view_.set;
+    if (sizes_.groups() == 0 || populations_.empty()) {
+        return 0;
+    }
+    Structure const& structure = *view_.structure;
+    bool const several_groups = sizes_.groups() > 1;
+    bool const one_population = !several_groups && sizes_.group_size[0] == 1;
+    auto const choose = [&](int alone, int one_group, int groups) {
+        return several_groups ? groups : one_population ? alone : one_group;
+    };
+    if (structure.GenotypicData == 0) {
+        return choose(0, 3, 5);
+    }
+    if (structure.GameticPhase != 0) {
+        return individual_level_ ? choose(2, 4, 6) : choose(0, 3, 5);
+    }
+    if (set.RecessiveAllelesEM != 0) {
+        return choose(0, 9, 10);
+    }
+    if (!individual_level_ || set.ComputeConventionalFST != 0) {
+        return choose(0, 7, 8);
+    }
+    return choose(2, 4, 6);
+}
+
+void Amova::run_selected_design() {
+    struct Choice {
+        int (Amova::*run)();
+        int case_number;
+    };
+    static constexpr int none = 0;
+    Choice const choices[] = {{nullptr, none},
+                              {nullptr, none},
+                              {&Amova::AMOVA_1G_1P_I, 6},
+                              {&Amova::AMOVA_1G_P_H, 1},
+                              {&Amova::AMOVA_1G_P_I, 2},
+                              {&Amova::AMOVA_G_P_H, 3},
+                              {&Amova::AMOVA_G_P_I, 4},
+                              {&Amova::AMOVA_1G_P_IH, 7},
+                              {&Amova::AMOVA_G_P_IH, 5},
+                              {&Amova::AMOVA_1G_P_RIH, 9},
+                              {&Amova::AMOVA_G_P_RIH, 8}};
+    Choice const& choice = choices[design_];
+    if (choice.run == nullptr) {
+        return;
+    }
+    (this->*choice.run)();
+    results_->case_number = choice.case_number;
+}
+
+void Amova::compute_SSDP() {
+    population_sums_ = population_sums(distances_, slices_, genes_);
+    sums_.total = total_sum(population_sums_);
+    for (std::size_t p = 0; p < S_.size(); ++p) {
+        S_[p] = population_sums_[p * (p + 1) / 2 + p];
+    }
+}
+
+double Amova::compute_SSDWI() {
+    double sum = 0.0;
+    for (GeneSlice const& slice : slices_) {
+        sum += within_individuals(distances_, std::span(genes_).subspan(slice.begin, slice.end - slice.begin));
+    }
+    return sum;
+}
+
+void Amova::compute_observed_sums(bool individuals) {
+    compute_SSDP();
+    sums_.W = within_terms(S_, sizes_);
+    sums_.I = individuals ? compute_SSDWI() : 0.0;
+    groups_ = group_sums(sizes_, population_sums_, order_, static_cast<int>(sums_.Nu));
+    permuted_groups_ = groups_;
+}
+
+double Amova::permuted_within_terms() {
+    within_->compute(genes_, S_);
+    return within_terms(S_, sizes_);
+}
+
+double Amova::permuted_within_individuals() const { return within_individuals(distances_, genes_); }
+
+GroupSums const& Amova::permute_among_groups() {
+    permute_populations(order_, sizes_.group_size[0]);
+    group_sums_into(permuted_groups_, sizes_, population_sums_, order_, static_cast<int>(sums_.Nu));
+    return permuted_groups_;
+}
+
+}  // namespace tov

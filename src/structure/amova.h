@@ -1,0 +1,182 @@
+// Amova: analysis of molecular variance of one genetic structure.
+#pragma once
+
+#include <array>
+#include <functional>
+#include <fstream>
+#include <iosfwd>
+#include <memory>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "model/project_view.h"
+#include "structure/amova_results.h"
+#include "structure/formula/gene_vector.h"
+#include "structure/formula/pair_sums.h"
+#include "structure/formula/permutation_p.h"
+#include "structure/formula/variance_components.h"
+
+namespace tov {
+
+class Population;
+
+/// One permutation's value and the order of populations that gave it.
+struct FloatsAndPops {
+    double value = 0.0;
+    std::vector<int> pops;
+    bool operator<(FloatsAndPops const& other) const noexcept { return value < other.value; }
+};
+
+/// A level of a design's table: its label, of several lines, and the width of the degrees of freedom behind it.
+struct AmovaRow {
+    char const* label;
+    int df_width;
+};
+
+/// An index as a design prints it.
+struct AmovaIndex {
+    char const* text;
+    double VarianceTable::*value;
+    AmovaIndexSlot slot;
+};
+
+/// A permutation test: the component that it tests and the index that goes with it. PPAG has no scheme.
+struct AmovaTest {
+    int component;  ///< 0 for Va
+    AmovaIndexSlot slot;
+    char const* index;
+    bool populations;  ///< PPAG: populations are exchanged among groups
+    PermutationScheme scheme;
+    PermutationTail tail;
+};
+
+/// What makes a design: all that printing and testing need.
+struct AmovaDesign {
+    char const* context;  ///< where its errors come from
+    int case_number;
+    std::span<AmovaRow const> rows;
+    std::span<AmovaIndex const> indices;
+    char const* index_head;  ///< line above several indices; null for one
+    std::span<AmovaTest const> tests;
+    bool individuals;  ///< levels of individuals: needs the sum within individuals
+};
+
+/// One analysis: construction does the whole work and leaves document, log and the record of results.
+///
+/// The populations of the structure carry their numbers. Random draws: those of the tests, in the order of the
+/// design's table; none without permutations; then those of the distances between populations.
+class Amova {
+public:
+    /// @param print    0: no text at all, in the document or the log.
+    /// @param locus    number of the locus, 0 for a global run.
+    /// @param results  borrowed; receives the record.
+    Amova(ProjectView const& view, int print, int locus, amova_results* results);
+    ~Amova();
+    Amova(Amova const&) = delete;
+    Amova& operator=(Amova const&) = delete;
+
+    [[nodiscard]] int design() const noexcept { return design_; }
+    [[nodiscard]] VarianceTable const& table() const noexcept { return table_; }
+
+    /// Prints the order of populations and the value of a permutation.
+    void print_p(FloatsAndPops const& permuted, std::ostream& out) const;
+    /// Prints the numbers and names of the populations.
+    void print_popvect(std::ostream& out) const;
+
+    /// Distances between all pairs of samples and their tests (pairdist.cpp). @return 1, or 0 after a report.
+    int CalcPairDist();
+
+private:
+    using Statistic = std::function<double()>;
+
+    // --- Set-up (amova.cpp) ---
+    void initialize();
+    void load_HaplotypeIndexVector();
+    [[nodiscard]] int select_design() const;
+    void run_selected_design();
+    void print_introduction();
+
+    // --- Designs (amova1.cpp .. amova8.cpp) ---
+    int AMOVA_1G_P_H();
+    int AMOVA_1G_P_IH();
+    int AMOVA_1G_P_I();
+    int AMOVA_1G_1P_I();
+    int AMOVA_G_P_H();
+    int AMOVA_G_P_IH();
+    int AMOVA_G_P_I();
+    int AMOVA_1G_P_RIH() { return 1; }
+    int AMOVA_G_P_RIH() { return 1; }
+    int one_group_of_haplotypes(PermutationScheme scheme, int case_number);
+    int groups_of_haplotypes(PermutationScheme among, PermutationScheme within, int case_number);
+
+    // --- Sums (amova.cpp) ---
+    /// Population sums, within terms, group sums and, for designs of individuals, the sum within individuals.
+    void compute_observed_sums(bool individuals);
+    void compute_SSDP();
+    double compute_SSDWI();
+    /// Within terms of the permuted gene vector.
+    double permuted_within_terms();
+    [[nodiscard]] double permuted_within_individuals() const;
+
+    // --- Running a design (amova_permute.cpp) ---
+    /// Prints and stores `table_`, then runs the tests with one statistic each. @return 1, or 0 when ill defined or
+    /// stopped.
+    int run_design(AmovaDesign const& design, std::vector<Statistic> const& statistics);
+    int run_test(AmovaDesign const& design, std::size_t test, Statistic const& statistic);
+    void restore_observed(AmovaTest const& test);
+    void count_population_fis();
+    void observe_population_fis();
+    [[nodiscard]] bool poll();
+    /// PPAG and the sums of the new groups.
+    GroupSums const& permute_among_groups();
+
+    // --- Printing (amova_report.cpp, amova_null.cpp) ---
+    void print_table(AmovaDesign const& design);
+    void print_test(AmovaDesign const& design, std::size_t test, PermutationOutcome const& outcome);
+    void print_population_fst();
+    void print_population_fis(bool tested);
+    bool write_null_file(AmovaTest const& test, int elapsed_ms);
+    void print_histogram(AmovaDesign const& design);
+
+    ProjectView view_;
+    bool print_;
+    int locus_;
+    amova_results* results_;  // borrowed
+    int design_ = 0;
+    bool individual_level_ = false;
+    PermutationPlan plan_{0};
+    std::string time_text_;
+    StructureSizes sizes_;
+    AmovaSums sums_;
+    GroupSums groups_;
+    GroupSums permuted_groups_;
+    PairDistances distances_;
+    std::vector<Population*> populations_;  // borrowed, by number
+    std::vector<int> order_;                ///< numbers of the populations, group after group
+    std::vector<GeneSlice> slices_;
+    std::vector<int> observed_genes_;       ///< haplotype numbers as the samples hold them
+    std::vector<int> genes_;                ///< the vector that is permuted
+    std::unique_ptr<WithinSums> within_;
+    std::vector<double> S_;                 ///< undivided within sums of the last vector
+    std::vector<double> population_sums_;   ///< lower triangle
+    VarianceTable table_;
+    std::vector<double> observed_fis_;
+    std::vector<int> fis_hits_;             ///< permuted FIS at or above the observed one
+    std::vector<double> local_values_;      ///< null values of the test in hand, sorted after it
+    std::vector<FloatsAndPops> local_orders_;
+    std::array<std::vector<double>, 4> sorted_null_;  ///< by component, for the histogram
+};
+
+/// Project::AMOVA: associates the distance matrix with the haplotypes, numbers the populations and runs an Amova.
+/// Reports 134, 135. @return 1 or 0.
+int run_amova(ProjectView const& view);
+
+/// Whether the structure can be analysed: at least one population, one group and, unless it has one population alone,
+/// fewer groups than populations. Warnings 123, 124, 125.
+[[nodiscard]] bool is_amova_structure(Structure const& structure);
+
+/// Entry of the result tree for a table of an AMOVA.
+void print_amova_anchor(int level, settings const& set, std::string const& title, std::string const& anchor);
+
+}  // namespace tov

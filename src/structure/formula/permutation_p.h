@@ -1,0 +1,98 @@
+/// P-value of a permutation test, with its standard deviation from batches. One loop serves all tests of the AMOVA and
+/// of the distances between populations.
+#pragma once
+
+#include <cmath>
+#include <vector>
+
+namespace tov {
+
+/// Permutations in batches: B = trunc(sqrt(n)) batches of n / B + 1, so at least one batch more than asked.
+struct PermutationPlan {
+    int batches = 0;    ///< B
+    int per_batch = 0;
+    int permutations = 0;  ///< B x per_batch; 0 when none are asked
+
+    explicit PermutationPlan(long asked) noexcept {
+        if (asked > 0) {
+            batches = static_cast<int>(std::sqrt(static_cast<double>(asked)));
+            per_batch = static_cast<int>(asked / batches) + 1;
+            permutations = per_batch * batches;
+        }
+    }
+};
+
+enum class PermutationTail { above, below };
+
+struct PermutationOutcome {
+    int beyond = 0;        ///< permuted values beyond the observed one
+    int equal = 0;         ///< within 1e-10 of it
+    double p = 0.0;        ///< (beyond + equal) / denominator: ties count
+    double sd = 0.0;       ///< of p, from the batches
+    bool stopped = false;  ///< poll() answered true
+};
+
+/// Two values within this distance count as equal.
+inline constexpr double permutation_tolerance = 1e-10;
+
+/// Counts hits in batches that are filled in turn: the first permutation goes to batch 1, and so on, round robin.
+///
+/// @tparam Real  type of the sums: float in the AMOVA, double between populations (kept on purpose: the digits differ).
+template <class Real>
+class BatchCounter {
+public:
+    explicit BatchCounter(PermutationPlan const& plan)
+        : plan_(plan), hits_(static_cast<std::size_t>(plan.batches) + 1, Real(0)) {}
+
+    void next() noexcept { batch_ = batch_ == plan_.batches ? 1 : batch_ + 1; }
+    void hit() noexcept { hits_[batch_] += Real(1); }
+
+    /// Standard deviation of a P-value from the spread of the batches about it; 0 with one batch.
+    [[nodiscard]] double sd(double p) const noexcept {
+        if (plan_.batches <= 1) {
+            return 0.0;
+        }
+        Real const center = static_cast<Real>(p);
+        Real sum = Real(0);
+        for (int b = 1; b <= plan_.batches; ++b) {
+            Real const x = hits_[b] / static_cast<Real>(plan_.per_batch) - center;
+            sum += x * x;
+        }
+        return std::sqrt(sum / static_cast<Real>((plan_.batches - 1) * plan_.batches));
+    }
+
+private:
+    PermutationPlan plan_;
+    std::vector<Real> hits_;
+    int batch_ = 0;
+};
+
+/// The test: `statistic()` permutes and gives the next value; `poll()` is asked at permutations 0, 100, 200, ... and
+/// stops the test by true; `keep(value)` receives each value.
+template <class Real, class Statistic, class Poll, class Keep>
+PermutationOutcome permutation_p(PermutationPlan const& plan, double observed, PermutationTail tail, int denominator,
+                                 Statistic&& statistic, Poll&& poll, Keep&& keep) {
+    PermutationOutcome outcome;
+    BatchCounter<Real> batches(plan);
+    for (int k = 0; k < plan.permutations; ++k) {
+        if (k % 100 == 0 && poll()) {
+            outcome.stopped = true;
+            return outcome;
+        }
+        batches.next();
+        double const value = statistic();
+        if (std::fabs(value - observed) < permutation_tolerance) {
+            ++outcome.equal;
+            batches.hit();
+        } else if (tail == PermutationTail::above ? value > observed : value < observed) {
+            ++outcome.beyond;
+            batches.hit();
+        }
+        keep(value);
+    }
+    outcome.p = (outcome.beyond + outcome.equal) / static_cast<double>(denominator);
+    outcome.sd = batches.sd(outcome.p);
+    return outcome;
+}
+
+}  // namespace tov
