@@ -37,7 +37,7 @@ inline constexpr double permutation_tolerance = 1e-10;
 
 /// Counts hits in batches that are filled in turn: the first permutation goes to batch 1, and so on, round robin.
 ///
-/// @tparam Real  type of the sums: float in the AMOVA, double between populations (kept on purpose: the digits differ).
+/// @tparam Real  type of the sums: float in the AMOVA, double between populations (kept on purpose: the digits differ); the root is double.
 template <class Real>
 class BatchCounter {
 public:
@@ -58,7 +58,7 @@ public:
             Real const x = hits_[b] / static_cast<Real>(plan_.per_batch) - center;
             sum += x * x;
         }
-        return std::sqrt(sum / static_cast<Real>((plan_.batches - 1) * plan_.batches));
+        return std::sqrt(static_cast<double>(sum) / ((plan_.batches - 1.0) * plan_.batches));
     }
 
 private:
