@@ -6,6 +6,8 @@
 #include <span>
 #include <utility>
 
+#include "base/scoped_swap.h"
+
 namespace tov {
 
 /// Subtractive generator with lags 55 and 24 modulo 10^9.
@@ -59,14 +61,7 @@ extern RandomState random_state;
 
 /// Keeps the state of the module and puts it back at the end of the scope.
 class SavedRandom {
-public:
-    SavedRandom() noexcept : saved_(random_state) {}
-    ~SavedRandom() { random_state = saved_; }
-    SavedRandom(SavedRandom const&) = delete;
-    SavedRandom& operator=(SavedRandom const&) = delete;
-
-private:
-    RandomState saved_;
+    ScopedSwap<RandomState> saved_{random_state};
 };
 
 /// Uniform number in [0, 1). A negative *idum, or the first call of the process, seeds the generator and sets *idum to

@@ -63,7 +63,7 @@ void Errors::error(ErrorType type, my_string const& function, int code) {
     line += number;
     line += "] ";
     if (type == ErrorType::Debug) {
-        line += function;
+        line += function + "\n";
         *_AOS_ << line.str() << std::flush;
     } else {
         my_string const& text = std::as_const(messages)[code];
