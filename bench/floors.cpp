@@ -11,4 +11,12 @@ double sum_of(double const* values, std::size_t n) noexcept {
     return sum;
 }
 
+double sum_of_mt19937_64(std::mt19937_64& engine, int n) noexcept {
+    double sum = 0.0;
+    for (int i = 0; i < n; ++i) {
+        sum += static_cast<double>(engine() >> 11) * 0x1.0p-53;
+    }
+    return sum;
+}
+
 }  // namespace tov::floors

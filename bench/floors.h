@@ -2,10 +2,14 @@
 #pragma once
 
 #include <cstddef>
+#include <random>
 
 namespace tov::floors {
 
 /// Sum of n doubles: the cheapest walk over an array.
 double sum_of(double const* values, std::size_t n) noexcept;
+
+/// Sum of n numbers in [0, 1), each one draw of the engine: its upper 53 bits.
+double sum_of_mt19937_64(std::mt19937_64& engine, int n) noexcept;
 
 }  // namespace tov::floors
