@@ -56,8 +56,9 @@ std::string const slashes(68, '/');
 /// What one run keeps from its first to its last step.
 struct Project::RunFrame {
     explicit RunFrame(settings& s) : set(s) {}
-    /// The document must not stay behind as a dangling stream, whatever way a run ends.
+    /// Whatever way a run ends, no dangling document and no cleaned copy stays behind.
     ~RunFrame() {
+        cleaned.rm_clean_files();
         set.set_ofs(nullptr);
         E.results = nullptr;
     }
@@ -203,7 +204,7 @@ void Project::print_run_banner(RunFrame& frame) {
     out << THeader{"Tovenia results"};
     print_js_aux_entry(*settings_, 1, "", "Run of " + frame.start_time);
     std::string const banner =
-        slashes + "\nRUN NUMBER " + std::to_string(runNumber) + " (" + frame.start_time + ")\n" + slashes + '\n';
+        slashes + "\nRUN NUMBER " + std::to_string(runNumber) + " (" + frame.start_time + ")\n" + slashes;
     XmlSection run_element(out, "run");
     out << '\n' << banner;
     run_element.close();
@@ -358,9 +359,9 @@ void Project::end_run(RunFrame& frame) {
              << slashes << "\nEND OF RUN NUMBER " << runNumber << " (" << end_time << ")"
              << "\nTotal computing time for this run : ";
         print_span(*out, elapsed);
-        *out << slashes << '\n';
+        *out << slashes;
     }
-    _AOS_->flush();
+    *_AOS_ << std::endl;
     print_results_footer(frame.document, xmlOutput);
     frame.document.close();
 }

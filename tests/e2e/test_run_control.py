@@ -334,8 +334,8 @@ class Banners(RunTestCase):
         slashes = "/" * 68
         for text in (log, document):
             masked = mask_times(text)
-            self.assertIn("%s\nRUN NUMBER 1 (<time>)\n%s\n" % (slashes, slashes), masked)
-            self.assertIn("\n%s\nEND OF RUN NUMBER 1 (<time>))\nTotal computing time for this run : <span>\n%s\n"
+            self.assertIn("%s\nRUN NUMBER 1 (<time>)\n%s" % (slashes, slashes), masked)
+            self.assertIn("\n%s\nEND OF RUN NUMBER 1 (<time>))\nTotal computing time for this run : <span>\n%s"
                           % (slashes, slashes), masked)
         self.assertIn("\nProject information:\n--------------------\n\tNbSamples      =  2\n"
                       "\tDataType       =  DNA\n\tGenotypicData  =  0\n", document)
