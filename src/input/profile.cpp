@@ -177,7 +177,6 @@ char const* data_type_name(TDataType type) noexcept {
 ProfileSettings::ProfileSettings() { initialize(); }
 
 void ProfileSettings::initialize() {
-    settings* const kept = run_settings;
     title = "";
     LociLabels.Flush();
     NbSamples = 0;
@@ -200,7 +199,6 @@ void ProfileSettings::initialize() {
     GivenDistMat = 1;
     EpsilonValue = 1e-7;
     FrequencyThreshold = 1e-5;
-    run_settings = kept;
 }
 
 int ProfileSettings::get_profile_settings(std::istream& ifs) {
