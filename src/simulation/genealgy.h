@@ -1,0 +1,231 @@
+// Coalescent genealogies of a sample of gene copies.
+#pragma once
+
+#include <iosfwd>
+#include <memory>
+#include <span>
+#include <vector>
+
+#include "base/arrays.h"
+#include "simulation/mutation.h"
+
+namespace tov {
+
+/// A sized row of ints: the states of one node at all sites.
+class myVectInt {
+public:
+    myVectInt() = default;
+    explicit myVectInt(int size) : values_(static_cast<std::size_t>(size > 0 ? size : 0)) {}
+
+    [[nodiscard]] int size() const noexcept { return static_cast<int>(values_.size()); }
+    int& operator[](int i) noexcept { return values_[static_cast<std::size_t>(i)]; }
+    int operator[](int i) const noexcept { return values_[static_cast<std::size_t>(i)]; }
+    [[nodiscard]] int* beginning() noexcept { return values_.data(); }
+    [[nodiscard]] int const* beginning() const noexcept { return values_.data(); }
+    bool operator==(myVectInt const& other) const noexcept { return values_ == other.values_; }
+    bool operator!=(myVectInt const& other) const noexcept { return values_ != other.values_; }
+    /// Takes over the values of a span, in the storage at hand.
+    void assign(std::span<int const> values) { values_.assign(values.begin(), values.end()); }
+
+private:
+    std::vector<int> values_;
+};
+
+/// One node of a tree: a gene copy, or the common ancestor of two lineages.
+class TNode {
+public:
+    [[nodiscard]] bool is_tip() const noexcept { return left == nullptr && right == nullptr; }
+    /// Number of tips below the node, 1 for a tip, by the counts of count_desc().
+    [[nodiscard]] int num_desc() const noexcept { return is_tip() ? 1 : left_count + right_count; }
+
+    /// Counts the tips below the node and all its descendants; returns the number below this one.
+    int count_desc();
+    /// Lists the numbers of the nodes on either side, for the node and all its descendants.
+    void build_lists_of_descendent_nodes();
+    /// Adds left_count right_count 2 t and left_count right_count 4 t^2 of the node and all its descendants.
+    void compute_moments_of_pairwise_divergence(double& sum, double& sum_of_squares) const;
+
+    /// Places `num_mut` mutations on this node's branch and Poisson numbers on the branches below, and writes the
+    /// sequences of the whole subtree.
+    ///
+    /// A node with an ancestor starts from that ancestor's sequence; one without starts a sequence of its own.
+    /// Draws: see TTree::add_mutations.
+    /// @param mu    mutations per unit of branch length.
+    /// @param idum  handed on to poidev().
+    /// @return      mutations placed, those of this node included.
+    int add_mutations(double const& mu, long* idum, int num_mut, int const& sites, Mut_Type const& type,
+                      double const& gamma_a, double const& transition_share);
+    /// The form for microsatellite alleles.
+    int add_mutations(double const& mu, long* idum, int num_mut, int const& sites, Mut_Type const& type,
+                      double const& gamma_a, double const& transition_share, int const& constrained,
+                      double geometric_p);
+
+    /// Writes the states of one site below this node: 1 under `mutated`, `state` elsewhere.
+    ///
+    /// kept on purpose: what stands right of the mutated node under the same parent gets `new_state`.
+    int new_Add_SNP_Mutation(int const& site, TNode*& mutated, int state, int new_state);
+
+    /// node_count and _tot_mut back to 0; called before each tree is built.
+    static void reset_node_count() noexcept {
+        node_count = 0;
+        _tot_mut = 0;
+    }
+
+    double time = 0.0;          ///< coalescent units, 0 for a tip
+    TNode* left = nullptr;      ///< borrowed, as are the other two
+    TNode* right = nullptr;
+    std::vector<unsigned char> snp_flags;  ///< one a site; sites beyond the end count as flagged
+    TNode* ancestor = nullptr;
+    std::vector<int> left_nodes;   ///< numbers of the nodes on the left, the left child included
+    std::vector<int> right_nodes;
+    std::unique_ptr<myVectInt> sequence;  ///< made on first use
+    int num_sites = 0;
+    int num_mutations = 0;  ///< on the branch above
+    int node_id = 0;        ///< index in the tree's array
+    int deme = 0;
+    unsigned char is_unique = 1;
+    int frequency = 1;
+    int left_count = 0;  ///< tips on the left
+    int right_count = 0;
+
+    static MY_TArrayAsVector<long> hits;  ///< mutations a site
+    static GammaRates mut_rates;
+    static int node_count;  ///< the last number given
+    static int _tot_mut;    ///< mutations placed so far in the tree
+    static int min_mic;     ///< bounds of a constrained microsatellite allele
+    static int max_mic;
+
+private:
+    int add_mutations(MutationModel const& model, long* idum, int num_mut);
+    TNode* next_flagged(int site) noexcept;
+};
+
+/// The active lineages during the construction of a tree.
+class TListNode {
+public:
+    TListNode() = default;
+    TListNode(int n, TNode* nodes) { start(n, nodes); }
+    /// Points at the first n nodes, with their times and children cleared.
+    void start(int n, TNode* nodes);
+    void clear() noexcept { length_ = 0; }
+    [[nodiscard]] int length() const noexcept { return length_; }
+    TNode*& operator[](int i) noexcept { return list_[static_cast<std::size_t>(i)]; }
+    void push(TNode* node);
+    /// Removes entry i; the last one fills its place.
+    TNode* take(int i) noexcept;
+    /// Joins two lineages in `node`, which takes the place of the second. Draws: 2, left and right pick.
+    void coalesce(TNode& node) noexcept;
+
+private:
+    std::vector<TNode*> list_;  // borrowed
+    int length_ = 0;
+};
+
+/// Nodes that qualify for a mutation, with their shares of the summed branch length.
+struct BranchList {
+    std::vector<TNode*> nodes;  // borrowed
+    std::vector<double> shares;
+    bool built = false;
+};
+
+/// What distinguishes the tips of a mutated tree, counted over all pairs of tips.
+struct TipStatistics {
+    int segregating_sites = 0;     ///< sites with more than one state among the tips
+    long long transitions = 0;     ///< sum over pairs of the sites that differ by a transition
+    long long transversions = 0;   ///< the same for all other differences
+    int distinct = 0;              ///< distinct tips
+};
+
+/// The genealogy of n gene copies: 2n - 1 nodes in one array, tips first, internal nodes in order of coalescence, the
+/// root last. The array is allocated once and used again for tree after tree.
+class TTree {
+public:
+    TTree() = default;
+    TTree(TTree const&) = delete;
+    TTree& operator=(TTree const&) = delete;
+
+    /// 2n - 1 new nodes, none for n < 1.
+    void allocate_tree(int const& n);
+    /// Number of gene copies of the trees to come; more than allocated allocates.
+    void set_sample_size(int const& n);
+    [[nodiscard]] int sample_size() const noexcept { return sample_size_; }
+    [[nodiscard]] int nb_nodes() const noexcept { return sample_size_ > 0 ? 2 * sample_size_ - 1 : 0; }
+    [[nodiscard]] TNode& operator[](int i) noexcept { return nodes_[static_cast<std::size_t>(i)]; }
+    [[nodiscard]] TNode const& operator[](int i) const noexcept { return nodes_[static_cast<std::size_t>(i)]; }
+    /// Node 2n - 2; the tree must not be empty.
+    [[nodiscard]] TNode& root() noexcept { return (*this)[nb_nodes() - 1]; }
+    [[nodiscard]] std::span<TNode> tips() noexcept { return {nodes_.data(), static_cast<std::size_t>(sample_size_)}; }
+
+    /// Constant-size coalescent (Kingman 1982), times in units in which a pair coalesces at rate 1.
+    ///
+    /// Draws: n - 1 for the times, then 2 (n - 1) for the topology. Source: Hudson 1990.
+    void build_tree();
+    /// Coalescent of a deme that receives migrants from an unobserved, infinitely large population until time tau, when
+    /// all lineages come together; same units.
+    ///
+    /// Draws: per event the time, before tau its kind, then one pick for a migrant or two for a coalescence; the event
+    /// that reaches tau spends its time alone. Source: Excoffier 2004.
+    void build_tree_range_exp(double const& tau, double const& m);
+    /// Internal nodes above t: time = (time - t) factor + t.
+    void bottleneck(double t, double factor);
+    /// Multiplies the times of the internal nodes.
+    void scale_to_num_generations(long const& scale);
+
+    /// Mean and deviation of the coalescence times of all pairs, in `mean` and `sd`. @return 0 for n < 2, else 1.
+    int compute_moments_of_coalescence_times();
+    /// Tips below every internal node; the same as root().count_desc() without recursion.
+    void count_descendants() noexcept;
+
+    /// Whether `sites` fits the counters TNode::hits, which are then cleared; the first call after a flush sizes them.
+    [[nodiscard]] static bool prepare_hits(int sites);
+    /// Places mutations on the whole tree and keeps them in log(); sequences are not written.
+    ///
+    /// Rates are built when gamma_a is not 0. The caller has prepared the hits.
+    /// Draws: the rates' ones; for nucleotides one a site for the root's states; then in pre-order, left before right,
+    /// each branch's poidev() and for each of its mutations the site and the state. Under uniform rates mutations fill
+    /// the sites in order without a draw until every site has one.
+    /// @return mutations placed.
+    int add_mutations(MutationModel const& model);
+    [[nodiscard]] MutationLog const& log() const noexcept { return log_; }
+    [[nodiscard]] int nb_mutations() const noexcept { return static_cast<int>(log_.events.size()); }
+    /// Writes the `sequence` of every tip from the log.
+    void write_sequences();
+    /// Counts from the log, without sequences. Transitions and transversions are told apart by the codes of
+    /// MUT_NUCLEOTIDES; with other types their sum is what counts.
+    [[nodiscard]] TipStatistics tip_statistics();
+
+    /// Groups identical tips: the first of each group is unique and has its frequency. Reads sequences.
+    void compute_hapl_freq();
+    /// The same over `count` tips from `first` on.
+    void compute_hapl_freq(int first, int count);
+    /// The unique tips with their frequencies and sequences; nothing when the first tip has no sites.
+    void print_sequences(std::ostream& out, Mut_Type const& type);
+
+    /// Branch for a mutation, drawn by length among the nodes with at least `min_freq` of the tips below; null when
+    /// none is reached. The list is made at the first call after flush_branches(). Draws: 1.
+    [[nodiscard]] TNode* getRootNodeForMutation(int site, double const& min_freq);
+    /// Lists the nodes that qualify, from the root on, left before right, with their branch lengths.
+    void getListofMatchingNodesNoRec(BranchList& list, double const& min_freq);
+    void flush_branches() noexcept { branches_.built = false; }
+
+    double mean = 0.0;  ///< of the coalescence times
+    double sd = 0.0;
+
+private:
+    int sample_size_ = 0;
+    std::vector<TNode> nodes_;
+    TListNode active_;
+    TListNode away_;
+    MutationLog log_;
+    BranchList branches_;
+    std::vector<long long> site_counts_;  ///< scratch of tip_statistics
+    std::vector<int> labels_;             ///< scratch of tip_statistics
+};
+
+/// An old driver that nothing uses.
+class TGenealogy : public TTree {
+public:
+    int build_genealogy(std::ostream& out, int n, double factor, double t, double mu);
+};
+
+}  // namespace tov
