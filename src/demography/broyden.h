@@ -86,7 +86,7 @@ private:
 ///   K (p + q g(-T / (p K))) = d1,   K (q + p g(-T / (q K))) = d2,   T + K = d3.
 ///
 /// Draws: none on the first try; three uniforms on each later one, for K, T and p in this order.
-/// Source: Gaggiotti & Excoffier 2000, Proc. R. Soc. Lond. B 267: 81-87.
+/// Source: Takahata & Nei 1985, Genetics 110: 325-344, for unequal sizes.
 class TSolveDivTimes {
 public:
     TSolveDivTimes(long double const& d1, long double const& d2, long double const& d3);

@@ -34,7 +34,7 @@ int name_width(std::vector<Population*> const& populations) {
 void Amova::print_table(AmovaDesign const& design) {
     std::ostream& out = view_.set.ofs();
     out << "\n--------------------------\nAMOVA design and results :\n--------------------------\n\n";
-    print_references(out, {"weir_cockerham1984", "excoffier1992", "weir1996"});
+    print_references(out, {"weir_cockerham1984", "cockerham1973", "weir1996"});
     out << rule{70}
         << "\n Source of                  Sum of      Variance         Percentage\n"
            " variation      d.f.        squares     components       of variation\n"

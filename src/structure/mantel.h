@@ -2,7 +2,6 @@
 #pragma once
 
 #include <array>
-#include <fstream>
 #include <iosfwd>
 #include <vector>
 
@@ -15,6 +14,7 @@ namespace tov {
 
 class Population;
 class RectMat;
+struct ProjectView;
 
 /// Counts of permuted values equal to, larger and smaller than an observed one.
 struct MantelCounts {
@@ -54,15 +54,19 @@ public:
                           my_string const& first_line = my_string());
 
     // --- The test ---
-    void do_mantel_test(TriMat& fst, Population** pops, int npops, std::fstream* out, int nperm);
+    /// The whole test, with its print.
+    ///
+    /// @param fst          FST between the populations.
+    /// @param populations  in the order of `fst`.
+    void do_mantel_test(TriMat& fst, std::vector<Population*> const& populations, ProjectView const& view, int nperm);
     /// Element (i, j) of Y, by the type of Y.
     [[nodiscard]] double FstMatr_funct(int i, int j, TriMat& fst);
     void compute_correlation(RectMat& Y, RectMat& X1);
     void compute_correlation(RectMat& Y, RectMat& X1, RectMat& X2);
     void test_correlation(RectMat& Y, RectMat& X1, int const& nperm);
     void test_correlation(RectMat& Y, RectMat& X1, RectMat& X2, int const& nperm);
-    void print_correlations(std::ostream& os);
-    void print_p_values(std::ostream& os);
+    void print_correlations(std::ostream& os) const;
+    void print_p_values(std::ostream& os) const;
 
     // --- Results ---
     double ZY1 = 0.0, ZY2 = 0.0, Z12 = 0.0;

@@ -41,7 +41,7 @@ void permute_indiv(std::span<int> v, int hi, int lo, int stop) noexcept;
 ///
 /// Draws: PHAPAG N - n0; PHAPWG sum over groups of Ng - n of the first population; PHAIWP sum over populations of
 /// np - 2; PIAPWG and PIAPAG half of the first two.
-/// Source: Excoffier, Smouse & Quattro 1992, Genetics 131: 479-491.
+/// Source: Cockerham 1973, Genetics 74: 679-700; Weir 1996, Genetic Data Analysis II.
 void permute(PermutationScheme scheme, StructureSizes const& sizes, std::span<int> v) noexcept;
 
 /// PPAG: for i from the last population down to the first one behind the first group: swaps i and trunc(i r).

@@ -5,8 +5,8 @@
 /// population and a group; S[p] the undivided within sum of a population, W = sum S[p] / np; T = sum over groups of the
 /// sum over pairs within the group, divided by Ng; I the sum within individuals (half of each individual's distance).
 /// Levels are lettered from the highest, a, downwards. All sums of squares are in gene copies.
-/// Source: Excoffier, Smouse & Quattro 1992, Genetics 131: 479-491; Weir & Cockerham 1984, Evolution 38: 1358-1370;
-/// Weir 1996, Genetic Data Analysis II; Michalakis & Excoffier 1996, Genetics 142: 1061-1064.
+/// Source: Cockerham 1973, Genetics 74: 679-700; Weir & Cockerham 1984, Evolution 38: 1358-1370;
+/// Weir 1996, Genetic Data Analysis II.
 #pragma once
 
 #include <array>
