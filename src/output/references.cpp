@@ -37,17 +37,10 @@ constexpr Row rows[] = {
      "Mathematics, Philadelphia."},
     {"ewens1972",
      "Ewens, W.J. 1972. The sampling theory of selectively neutral alleles. Theor. Popul. Biol. 3: 87-112."},
-    {"excoffier1992",
-     "Excoffier, L., Smouse, P.E. and Quattro, J.M. 1992. Analysis of molecular variance inferred from metric "
-     "distances "
-     "among DNA haplotypes: application to human mitochondrial DNA restriction data. Genetics 131: 479-491."},
     {"fu1997",
      "Fu, Y.-X. 1997. Statistical tests of neutrality of mutations against population growth, hitchhiking and "
      "background "
      "selection. Genetics 147: 915-925."},
-    {"gaggiotti_excoffier2000",
-     "Gaggiotti, O. and Excoffier, L. 2000. A simple method of removing the effect of a bottleneck and unequal "
-     "population sizes on pairwise genetic distances. Proc. R. Soc. Lond. B 267: 81-87."},
     {"garza_williamson2001",
      "Garza, J.C. and Williamson, E.G. 2001. Detection of reduction in population size using data from microsatellite "
      "loci. Mol. Ecol. 10: 305-318."},

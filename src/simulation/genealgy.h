@@ -164,7 +164,7 @@ public:
     /// all lineages come together; same units.
     ///
     /// Draws: per event the time, before tau its kind, then one pick for a migrant or two for a coalescence; the event
-    /// that reaches tau spends its time alone. Source: Excoffier 2004.
+    /// that reaches tau spends its time alone.
     void build_tree_range_exp(double const& tau, double const& m);
     /// Internal nodes above t: time = (time - t) factor + t.
     void bottleneck(double t, double factor);
