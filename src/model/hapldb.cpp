@@ -5,7 +5,6 @@
 #include <ostream>
 
 #include "base/dmat.h"
-#include "input/settings.h"
 #include "run/errors.h"
 
 namespace tov {
@@ -129,17 +128,6 @@ void Haplo_DB::rm_separators(char separator) {
         std::erase(text, separator);
     }
     reindex();
-}
-
-my_string Haplo_DB::ext_name(my_string const& file) const { return external_file_name(file, run_settings); }
-
-my_string external_file_name(my_string const& file, settings const* run_settings) {
-    if (file.contains("\\") || file.contains("/")) return file;
-    if (!run_settings) {
-        *_AOS_ << "Pointer to project dir is not initialized. ERROR";
-        return file;
-    }
-    return my_string(run_settings->project_dir + file.str());
 }
 
 std::ostream& operator<<(std::ostream& os, Haplo_DB const& list) {

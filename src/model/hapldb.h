@@ -58,8 +58,6 @@ public:
     void reset();
     /// Removes a character from every content; each content is read only as far as the first one is long.
     void rm_separators(char separator);
-    /// Path of an external file, see external_file_name.
-    [[nodiscard]] my_string ext_name(my_string const& name) const;
 
     my_string name;              ///< name of the list
     Project* project = nullptr;  ///< borrowed: the owner
@@ -74,10 +72,6 @@ private:
     mutable std::unordered_multimap<std::size_t, int> by_content_;
     mutable std::unordered_multimap<std::size_t, int> by_id_;
 };
-
-/// Path of an external file: one with a slash stays as it stands, others get the project's directory in front.
-/// Without settings, logs "Pointer to project dir is not initialized. ERROR" and gives the name back.
-[[nodiscard]] my_string external_file_name(my_string const& file, settings const* run_settings);
 
 /// The section [[HaplotypeDefinition]] in project file form; nothing for an empty list.
 std::ostream& operator<<(std::ostream& os, Haplo_DB const& list);

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "model/hpopdb.h"
+#include "output/escape.h"
 #include "output/style.h"
 
 namespace tov {
@@ -11,7 +12,7 @@ namespace tov {
 namespace {
 
 void print_allele(std::ostream& os, TAllele const* allele, char separator) {
-    if (allele) os << allele->name().str();
+    if (allele) os << doc_text(allele->name().str());
     if (separator) os << separator;
 }
 
@@ -64,7 +65,7 @@ void TPopHaploDB::print(std::ostream& os, int compact, double minFreq) {
         }
         listed_sum += h->freq();
         h->setId(++listed);
-        os << integer{listed, 5} << label{h->name().str(), 12} << num{h->freq(), 10} << num{h->sd(), 12} << '\t';
+        os << integer{listed, 5} << user_text{h->name().str(), 12, false} << num{h->freq(), 10} << num{h->sd(), 12} << '\t';
         print_alleles(os, *h, compact != 0);
         os << '\n';
     }

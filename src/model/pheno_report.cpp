@@ -3,6 +3,7 @@
 #include <ostream>
 
 #include "model/pheno.h"
+#include "output/escape.h"
 #include "output/style.h"
 
 namespace tov {
@@ -21,7 +22,7 @@ void TGenotype::printGenotFreqs(std::ostream& os, int const& i, double const& to
 }
 
 std::ostream& operator<<(std::ostream& os, TPhenotype const& phenotype) {
-    os << phenotype.name().str() << '\t' << phenotype.obs_count();
+    os << doc_text(phenotype.name().str()) << '\t' << phenotype.obs_count();
     for (int which = 0; which < 2; ++which) {
         os << '\t';
         if (TPopHaplotype const* const chromosome = phenotype.ps_hapl(which)) os << *chromosome;
@@ -31,7 +32,7 @@ std::ostream& operator<<(std::ostream& os, TPhenotype const& phenotype) {
 }
 
 void TPhenotype::print_detailed_genotypes(std::ostream& os) const {
-    os << name_.str() << num{phen_proba_, 15, 3} << '\n';
+    os << doc_text(name_.str()) << num{phen_proba_, 15, 3} << '\n';
     for (TGenotype const* const g : genotypes_.view()) g->print_genot(os, phen_proba_);
 }
 
@@ -49,7 +50,7 @@ void TPhenotype::printGenotypeFreqs(std::ostream& os, int const& i, double const
     }
     os << "\n================\n" << "Phenotype #" << i + 1 << '\n' << "================\n";
     os << left_label{"Name", name_.length() + 2} << label{"Abs. Freq.", 12} << label{"Rel. Freq.\n", 12};
-    os << left_label{name_.str(), name_.length() + 2} << integer{static_cast<long long>(obs_count_), 7}
+    os << user_text{name_.str(), name_.length() + 2} << integer{static_cast<long long>(obs_count_), 7}
        << num{phen_proba_, 18} << "\n\n";
     genotypes_.quickSortArray();
     os << "List of genotypes (" << integer{genot_real_count(), 5} << ")\n"

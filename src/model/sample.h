@@ -81,7 +81,7 @@ public:
     void WriteSummaryStatistics(settings& s);
     void computeNumPrivateSubstSitesPerPop(settings& s);
     void computeAndOutputAlleFreqPerPop(settings& s);
-    void print_computation_anchor(int level, settings& s, my_string const& title, my_string const& anchor);
+    void print_computation_anchor(int level, settings& s, my_string const& entry, my_string const& anchor);
 
     // --- One locus (structure) ---
     /// @return 1, or 0 when the locus can't be used.
@@ -92,5 +92,8 @@ public:
     int pooled = 0;                              ///< the samples are pooled groups
     std::vector<double> geo_distances;
 };
+
+/// The section [[Samples]] in project file form.
+std::ostream& operator<<(std::ostream& os, Samples const& samples);
 
 }  // namespace tov
