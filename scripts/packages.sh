@@ -1,3 +1,4 @@
+# shellcheck shell=bash
 # Sourced by the other scripts: installs what a command needs and the machine lacks (Debian, Ubuntu).
 
 # need_packages PACKAGE...: installs those that are missing, with sudo unless root. Needs no network when none is.
