@@ -42,10 +42,11 @@ int Project::explore_sub_section(std::istream& in, int id) {
         case SubSection::samples:
             *_AOS_ << "\tExploring Samples...\n";
             return samples_->explore(in, p_pro());
-        case SubSection::structure: {
+        case SubSection::structure:
             *_AOS_ << "\tExploring genetic structure...\n";
-            return structure_->explore(in, "groups.txt");
-        }
+            if (!structure_->explore(in, "groups.txt")) return 0;
+            NbGroups = structure_->NbGroupsDeclared;
+            return 1;
         case SubSection::distance_matrix:
             *_AOS_ << "\tReading distance matrix ...\n";
             if (distances_->get_mat_name(in)) DistMatLabel = distances_->name;
@@ -61,7 +62,6 @@ int Project::explore(std::string const& directory) {
     distances_->reset();
     structure_->reset();
     structure_->NbGroupsDeclared = 0;
-    DistMatLabel = "none";
     std::ofstream("groups.txt", std::ios::trunc) << "0";
     std::ifstream in(settings::input_file);
     if (!in.is_open()) {
@@ -74,6 +74,7 @@ int Project::explore(std::string const& directory) {
         return 0;
     }
     *_AOS_ << "done ! \n";
+    if (DistMatLabel.is_null()) DistMatLabel = "none";
     go_to_section(in, "data");
     int found = 0;
     my_string name;

@@ -187,11 +187,9 @@ void Project::begin_document(RunFrame& frame) {
     name_run_files();
     print_frame_pages();
     bool const script_goes_on = settings_->keepProjectResults && file_opens(settings_->tree_script);
-    if (!script_goes_on) {
+    if (!script_goes_on)
         begin_tree_script(settings_->tree_script, !settings_->keepProjectResults, settings_->working_directory,
                           file_name_of(settings::input_file), file_name_of(settings_->result_file));
-        print_js_tovenia_log_entry(*settings_);
-    }
     bool const document_goes_on = xmlOutput ? frame.appended : script_goes_on;
     if (document_goes_on)
         print_results_continuation(frame.document, xmlOutput);
