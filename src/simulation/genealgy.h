@@ -1,9 +1,11 @@
 // Coalescent genealogies of a sample of gene copies.
 #pragma once
 
+#include <array>
 #include <iosfwd>
 #include <memory>
 #include <span>
+#include <string_view>
 #include <vector>
 
 #include "base/arrays.h"
@@ -128,12 +130,11 @@ struct BranchList {
     bool built = false;
 };
 
-/// What distinguishes the tips of a mutated tree, counted over all pairs of tips.
-struct TipStatistics {
-    int segregating_sites = 0;     ///< sites with more than one state among the tips
-    long long transitions = 0;     ///< sum over pairs of the sites that differ by a transition
-    long long transversions = 0;   ///< the same for all other differences
-    int distinct = 0;              ///< distinct tips
+/// How the sites of a mutated tree vary among its tips, summed over all pairs of tips.
+struct SiteStatistics {
+    int segregating_sites = 0;    ///< sites with more than one state among the tips
+    long long transitions = 0;    ///< pairs and sites that differ by 0 and 1, or by 2 and 3
+    long long transversions = 0;  ///< pairs and sites that differ otherwise
 };
 
 /// The genealogy of n gene copies: 2n - 1 nodes in one array, tips first, internal nodes in order of coalescence, the
@@ -190,9 +191,10 @@ public:
     [[nodiscard]] int nb_mutations() const noexcept { return static_cast<int>(log_.events.size()); }
     /// Writes the `sequence` of every tip from the log.
     void write_sequences();
-    /// Counts from the log, without sequences. Transitions and transversions are told apart by the codes of
-    /// MUT_NUCLEOTIDES; with other types their sum is what counts.
-    [[nodiscard]] TipStatistics tip_statistics();
+    /// Counts from the log, without sequences, for MUT_BINARY and MUT_NUCLEOTIDES.
+    [[nodiscard]] SiteStatistics site_statistics();
+    /// Number of different tips, from the log, for the same two types.
+    [[nodiscard]] int distinct_tips();
 
     /// Groups identical tips: the first of each group is unique and has its frequency. Reads sequences.
     void compute_hapl_freq();
@@ -218,8 +220,18 @@ private:
     TListNode away_;
     MutationLog log_;
     BranchList branches_;
-    std::vector<long long> site_counts_;  ///< scratch of tip_statistics
-    std::vector<int> labels_;             ///< scratch of tip_statistics
+
+    [[nodiscard]] int label_tips();
+    [[nodiscard]] int compare_labelled_tips();
+    void count_states(SiteStatistics& statistics);
+
+    // scratch of the statistics, kept so that replicates allocate nothing
+    std::vector<int> hits_;
+    std::vector<std::array<long long, 4>> state_counts_;
+    std::vector<int> labels_;
+    std::vector<int> representatives_;
+    std::vector<char> rows_;
+    std::vector<std::string_view> row_views_;
 };
 
 /// An old driver that nothing uses.

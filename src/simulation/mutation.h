@@ -2,7 +2,6 @@
 #pragma once
 
 #include <span>
-#include <string>
 #include <vector>
 
 namespace tov {
@@ -93,6 +92,7 @@ struct MutationLog {
     std::vector<int> root;
     std::vector<MutationEvent> events;
     std::vector<int> first_event;  ///< by node number: index of the node's first event
+    std::vector<int> row;          ///< work space: the states at the place of the walk
     int sites_hit_again = 0;       ///< events at a site that had been hit before
 
     void clear() noexcept {
