@@ -185,7 +185,8 @@ public:
 
     // --- Haplotype frequencies, phase, linkage disequilibrium (inference/) ---
     void calc_hapl_dat_hapl_freq(settings& s);
-    void comp_gam_phase_EM(settings& s);
+    /// @return 0, or -1000 when the user stopped it.
+    int comp_gam_phase_EM(settings& s);
     void comp_gam_phase_Gibbs(settings& s);
     void calc_all_gam_des(std::ostream& out, long steps, settings& s);
     int calc_gam_des_prob2(int* loci, long& seed, settings& s, long& stepsDone);
