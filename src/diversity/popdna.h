@@ -1,10 +1,14 @@
 // PopulDNA: a sample of DNA sequences.
 #pragma once
 
+#include <cstddef>
+#include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "diversity/formula/nucleotide_distance.h"
+#include "diversity/formula/site_planes.h"
 #include "diversity/popgen.h"
 
 namespace tov {
@@ -47,6 +51,7 @@ public:
     int compute_distance_matrix(std::ostream* out, settings* s, int scale) override;
     int evaluate_polymorphism(settings const& s) override;
     int compute_molecular_diversity(settings& s) override;
+    void set_distance(DistanceChoice const& choice) override;
     virtual int build_arbitrary_haplotype();
     [[nodiscard]] int segregating_sites() const override { return counts_.substitution_sites; }
 
@@ -90,13 +95,17 @@ public:
     SiteWeights weights_;
     PairDistance pair_;
     NucleotideFrequencies frequencies_;
-    bool frequencies_known_ = false;
     SubstitutionCounts counts_;
     std::string reference_;                  ///< arbitrary reference haplotype; empty until built
-    std::vector<unsigned char> site_class_;  ///< one set of SiteClass flags a site
+    std::vector<unsigned char> site_class_;  ///< kinds of change seen at each site, as bits
 
 private:
     int one_pair(distance_method m, char const* s1, char const* s2);
+    static void report_failure(DistanceStatus status);
+    /// What the haplotypes show at a site against the reference; adds the copies with missing data to `missing`.
+    [[nodiscard]] unsigned char class_of_site(std::size_t site, std::span<std::string_view const> contents,
+                                              double& missing);
+    void count_site_classes();
 };
 
 }  // namespace tov

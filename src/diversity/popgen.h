@@ -4,11 +4,15 @@
 #include <cstdint>
 #include <iosfwd>
 #include <memory>
+#include <string>
+#include <string_view>
 #include <vector>
 
 #include "base/arrays.h"
 #include "base/bnum.h"
 #include "base/recmat.h"
+#include "diversity/formula/mean_differences.h"
+#include "diversity/formula/nucleotide_distance.h"
 #include "model/popbase.h"
 
 namespace tov {
@@ -41,6 +45,13 @@ struct ExpansionFit {
     double p_raggedness = -1.0;
 };
 
+/// Choice of a distance between haplotypes. A data class takes what it has a use for.
+struct DistanceChoice {
+    int method = 0;
+    double gamma_a = 0.0;
+    SiteWeights weights;
+};
+
 /// Mean and standard deviation of one column of the per-locus table.
 struct MeanSd {
     double mean = -1.0;
@@ -55,7 +66,7 @@ struct LocusMeans {
     MeanSd obs_het;  ///< genotypes only
     MeanSd exp_het;
     MeanSd range;         ///< microsatellites only
-    MeanSd garza_william;  ///< microsatellites only
+    MeanSd garza_williamson;  ///< microsatellites only
 };
 
 /// Per-locus results of a sample: parallel vectors with one entry a locus; empty until the table has been made.
@@ -68,7 +79,7 @@ struct LocusTable {
     std::vector<int> max_size;
     std::vector<double> mean_size;
     std::vector<int> range;
-    std::vector<double> garza_william;
+    std::vector<double> garza_williamson;
     LocusMeans over_polymorphic;
     LocusMeans over_all;
 
@@ -103,6 +114,8 @@ public:
     int compute_distance_matrix(std::ostream* out, settings* s, int scale) override;
     /// Mean number of pairwise differences and nucleotide diversity from the matrix. @return 1, or 0 after a report.
     virtual int compute_molecular_diversity(settings& s);
+    /// Distance method, gamma shape and weights for the next matrix.
+    virtual void set_distance(DistanceChoice const& choice);
 
     // --- Sizes ---
     [[nodiscard]] double nb_genes() const { return sample_size(); }
@@ -118,8 +131,13 @@ public:
     [[nodiscard]] std::vector<int> const& use_site() const { return use_site_; }
     /// Share of missing data at a locus; 0 outside the array.
     [[nodiscard]] double missDataForLocus(int locus) const;
+    /// The matrix of the last computation; only with has_dist_mat().
     [[nodiscard]] RectMat& get_dist_mat() { return *dist_mat_; }
-    [[nodiscard]] bool has_dist_mat() const { return dist_mat_ != nullptr; }
+    [[nodiscard]] RectMat const& get_dist_mat() const { return *dist_mat_; }
+    /// There is a matrix, and its computation came to its end.
+    [[nodiscard]] bool has_dist_mat() const { return dist_mat_ != nullptr && dist_mat_complete_; }
+    /// Copies of each distinct haplotype, in list order.
+    [[nodiscard]] std::vector<double> haplotype_copies() const;
     /// Largest distance of the matrix, truncated.
     [[nodiscard]] int largest_distance() const { return max_mismatch_; }
     /// The tree on which simulations of this sample run; made at the first call.
@@ -147,11 +165,11 @@ public:
     [[nodiscard]] static double proba_less_or_k(int const& k, int const& n, double const& theta);
     /// Makes the table B(n, k) for 200 genes and 80 alleles unless there is one. @return 1, or 0 when it failed.
     static int get_B_num_mat();
-    /// Makes the table reach n genes and k alleles (it then gets 10 more of each). @return whether it does.
+    /// Makes the table reach n genes and k alleles (it then gets 10 more of each). @return false,
+    /// and no table, when that is more than 5000 genes or 1000 alleles.
     static bool extend_B_num_mat(int n, int k);
     /// The table B(n, k), shared by all samples.
     static BnumMat BMat;
-    static bool BMat_loaded;
 
     // --- Per-locus table (locus_table.cpp, locus_table_report.cpp) ---
     /// Fills locus_table() from the haplotypes and prints it.
@@ -170,9 +188,9 @@ public:
 
     // --- Distances (distances.cpp, distances_report.cpp) ---
     /// Prints matrix, labels and, when the settings say so, the minimum spanning tree and network.
-    void print_out_dist_mat(std::ostream& out, settings& s);
+    void print_out_dist_mat(std::ostream& out, settings const& s);
     /// Replaces the matrix by the plain 0/1 distance with its conventional flag set.
-    void compute_dist_mat_for_conventional_FST(std::ostream& out, settings& s);
+    void compute_dist_mat_for_conventional_FST(std::ostream& out, settings const& s);
     /// Adds to `target` one frequency a class of haplotypes at distance zero in `distances`, in list order.
     void check_hapl_freqs(RectMat const& distances, MY_TISArrayAsVector<AHaplFreq>& target) const;
 
@@ -272,6 +290,7 @@ public:
 
     // Distance matrix
     std::unique_ptr<RectMat> dist_mat_;  ///< owned; lower triangle distances, upper triangle standard errors
+    bool dist_mat_complete_ = false;
     int max_mismatch_ = 0;               ///< largest distance, truncated
 
     // Diversity
@@ -328,11 +347,41 @@ public:
     ExpansionFit spatial_fit_;
 
 protected:
-    /// Runs the task blocks of this sample in their order; the body of every test_methods.
-    void run_task_blocks(settings& s);
+    // --- Distances ---
+    /// A new matrix of zeros, one row a haplotype, and the largest distance 0. @return false after code 108 (no
+    /// haplotypes), reported from `function`.
+    bool begin_distance_matrix(char const* function);
+    /// Raises the largest distance to the truncation of `d`.
+    void raise_largest_distance(double d);
+    /// Shows progress after a row. @return false when the user has stopped the run.
+    static bool go_on(settings const& s);
+    /// Ends a matrix: marks it complete and writes it to `out` if there is one.
+    int finish_distance_matrix(std::ostream* out);
+    /// Contents of the distinct haplotypes; valid as long as the list.
+    [[nodiscard]] std::vector<std::string_view> haplotype_contents() const;
+
+    // --- Sites ---
+    /// Counts of haplotypes against sample size and list. @return false after code 110 or 111.
+    bool check_counts(char const* function) const;
+    /// Contents of one length. @return false after code 161.
+    bool check_lengths(char const* function) const;
+    /// A sequence with a character that is neither missing nor '-' wherever any haplotype has one.
+    [[nodiscard]] std::string reference_sequence() const;
+    /// Usable and polymorphic loci from the alleles of haplotypes, or of phenotypes when there are no haplotypes.
+    int evaluate_loci(settings const& s);
+    /// Fills nb_usable_loci_ and num_polym_sites_ from the flags.
+    void count_sites();
+    /// The haplotypes stand with their texts: the sites of DNA and RFLP samples are read from these.
+    [[nodiscard]] bool has_contents() const;
+
+    // --- Molecular diversity ---
+    /// Pi and nucleotide diversity from a sum over pairs of gene copies.
+    void store_molecular_diversity(double sum_of_differences, VarianceRoot root, double square);
+    /// Makes sure of matrix and haplotypes. @return false after code 136, 108 or 122, reported from `function`.
+    bool ready_for_molecular_diversity(settings& s, char const* function, bool needs_contents);
 
 private:
-    std::unique_ptr<TTree> tree_;  // owned
+    std::unique_ptr<TTree, void (*)(TTree*)> tree_{nullptr, nullptr};  // owned
 };
 
 }  // namespace tov

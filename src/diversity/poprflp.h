@@ -25,6 +25,7 @@ public:
     int compute_distance_matrix(std::ostream* out, settings* s, int scale) override;
     int evaluate_polymorphism(settings const& s) override;
     int compute_molecular_diversity(settings& s) override;
+    void set_distance(DistanceChoice const& choice) override;
     virtual int build_arbitrary_haplotype();
 
     int compare_RFLP_haplotypes(settings const& s);
