@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <limits>
 #include <ostream>
+#include <string>
 #include <unordered_map>
 #include <vector>
 
@@ -168,8 +169,13 @@ void PopGenetics::computeMeanAlleleSizes() {
 
 namespace {
 
+/// Number of individuals: whole, unless the project gives fractions.
+std::string individuals_text(double n) {
+    return n == std::floor(n) && std::fabs(n) < 1e15 ? std::to_string(static_cast<long long>(n)) : number_text(n, 4);
+}
+
 struct RowHash {
-    std::size_t operator()(TPopHaplotype const* h) const { return h->alleles.hash(); }
+    std::size_t operator()(TPopHaplotype const* h) const { return h->alleles().hash(); }
 };
 struct RowEqual {
     bool operator()(TPopHaplotype const* a, TPopHaplotype const* b) const { return *a == *b; }
@@ -201,8 +207,9 @@ void Population::compute_phenotype_heterozygosity(settings& s, TPhenDB const& ph
         genetics->obs_pheno_het_ = r.observed;
         genetics->exp_pheno_het_ = r.expected;
     }
-    s.ofs() << "\nNo. of Heterozygotes     : " << num{r.heterozygotes, 0, 0} << "\nNo. of Homozygotes       : "
-            << num{r.homozygotes, 0, 0} << "\nObs.Heter.               : " << num{r.observed, 7, 5}
+    s.ofs() << "\nNo. of Heterozygotes     : " << individuals_text(r.heterozygotes)
+            << "\nNo. of Homozygotes       : " << individuals_text(r.homozygotes)
+            << "\nObs.Heter.               : " << num{r.observed, 7, 5}
             << "\nExp.Heter.               : " << num{r.expected, 7, 5} << '\n';
 }
 

@@ -6,6 +6,7 @@
 
 #include "input/settings.h"
 #include "run/errors.h"
+#include "simulation/genealgy.h"
 
 namespace tov {
 
@@ -63,6 +64,13 @@ void PopGenetics::clean() {
     max_mismatch_ = 0;
     mismatch_.clear();
     exp_mismatch_.clear();
+}
+
+TTree& PopGenetics::getGeneTree() {
+    if (!tree_) {
+        tree_ = std::make_unique<TTree>();
+    }
+    return *tree_;
 }
 
 void PopGenetics::clean_bnum() {

@@ -280,6 +280,8 @@ public:
     static MY_TArrayAsVector<char> globalSubstPolymSites;
 
     // --- Plain state ---
+    int pooled_group_ = 0;  ///< the sample is a pooled group
+
     // Sites
     int nb_loci_ = 0;
     int nb_usable_loci_ = 0;
@@ -381,7 +383,7 @@ protected:
     bool ready_for_molecular_diversity(settings& s, char const* function, bool needs_contents);
 
 private:
-    std::unique_ptr<TTree, void (*)(TTree*)> tree_{nullptr, nullptr};  // owned
+    std::unique_ptr<TTree> tree_;  // owned
 };
 
 }  // namespace tov

@@ -1,0 +1,41 @@
+// The task blocks of a sample, in the order in which they run. A block stands here once its statistics are built.
+#pragma once
+
+#include "diversity/blocks.h"
+#include "input/settings.h"
+
+namespace tov {
+
+struct BlockRow {
+    long task;
+    void (*run)(SampleRun&);
+};
+
+inline constexpr BlockRow block_table[] = {
+    // --- Numbers of alleles, heterozygosity ---
+    {task::standard_indices, standard_indices_block},
+
+    // --- Distances between haplotypes, Pi, theta ---
+    {task::molecular_diversity, molecular_diversity_block},
+
+    // --- Mismatch distribution, demographic and spatial expansion ---
+
+    // --- Haplotype frequencies, gametic phase ---
+
+    // --- Linkage disequilibrium ---
+
+    // --- Hardy-Weinberg equilibrium ---
+
+    // --- Distance matrix for the structure analyses ---
+    {task::pairwise_distances, distance_matrix_block},
+
+    // --- Tajima's test ---
+
+    // --- Ewens-Watterson tests ---
+
+    // --- Chakraborty's test ---
+
+    // --- Fu's test ---
+};
+
+}  // namespace tov
