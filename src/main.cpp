@@ -1,2 +1,4 @@
 // The program's entry.
-int main() { return 0; }
+#include "run/tovcore35.h"
+
+int main(int argc, char** argv) { return tov::_main(argc, argv); }
