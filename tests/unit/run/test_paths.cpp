@@ -1,7 +1,7 @@
 // Path helpers of the run control.
-#include "run/paths.h"
-
 #include <gtest/gtest.h>
+
+#include "run/paths.h"
 
 namespace tov {
 namespace {
@@ -21,9 +21,7 @@ TEST(Paths, DirectoryAndNameTogetherAreThePath) {
     EXPECT_EQ(file_name_of("a\\c.tvp"), "c.tvp");
 }
 
-TEST(Paths, BackslashesTurnForward) {
-    EXPECT_EQ(forward_slashes("c:\\a\\b/c"), "c:/a/b/c");
-}
+TEST(Paths, BackslashesTurnForward) { EXPECT_EQ(forward_slashes("c:\\a\\b/c"), "c:/a/b/c"); }
 
 TEST(Paths, AMissingFileDoesNotOpen) {
     EXPECT_FALSE(file_opens("/nonexistent/file"));

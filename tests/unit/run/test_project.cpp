@@ -1,12 +1,6 @@
 // Project: designs that can be analysed, groups pooled into samples, allele vectors, adapted tasks, distances.
-#include "run/project.h"
-
 #include <gtest/gtest.h>
-#include <unistd.h>
 
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <sstream>
 #include <string>
 
@@ -17,6 +11,9 @@
 #include "model/sample.h"
 #include "model/struct.h"
 #include "run/errors.h"
+#include "run/project.h"
+#include "support/fresh_process.h"
+#include "support/scratch_directory.h"
 
 namespace tov {
 namespace {
@@ -41,45 +38,29 @@ constexpr char two_genotypic_samples[] =
     "SampleName=\"b\"\nSampleSize=2\nSampleData={\ni3 2 12 20\n10 ?\n}\n"
     "[[Structure]]\nStructureName=\"s\"\nNbGroups=1\nGroup={\n\"a\"\n\"b\"\n}\n";
 
-/// A project read from a text in a directory of its own, with its log.
+/// A project read from a text, in a directory and a process state of its own.
 class ProjectTest : public testing::Test {
 protected:
-    void SetUp() override {
-        directory_ = std::filesystem::temp_directory_path() / ("tov_project_" + std::to_string(::getpid()));
-        std::filesystem::create_directories(directory_);
-        E.init_log_file((directory_ / "log.txt").c_str(), false);
+    ProjectTest() {
+        fresh.keep(settings::input_file, std::string("p.tvp"));
         project.p_set().set_ofs(&document);
-        project.p_set().tree_script = (directory_ / "p.js").string();
-        project.p_set().project_dir = directory_.string() + "/";
-    }
-    void TearDown() override {
-        project.clean();
-        E.CloseLog_file();
-        E.active = 0;
-        std::filesystem::remove_all(directory_);
+        project.p_set().tree_script = "p.js";
     }
 
     void open(std::string const& text) {
-        settings::input_file = (directory_ / "p.tvp").string();
-        std::ofstream(settings::input_file) << text;
+        directory.write("p.tvp", text);
         ASSERT_EQ(project.open(), 1) << log();
         project.p_set().DataType = project.DataType;
         project.p_set().GenotypicData = project.GenotypicData;
         project.p_set().GameticPhase = project.GameticPhase;
         project.p_sam().init_all_pointers(&project.p_alldb());
     }
+    [[nodiscard]] std::string log() const { return fresh.log(); }
 
-    std::string log() {
-        _AOS_->flush();
-        std::ifstream in(directory_ / "log.txt");
-        return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-    }
-
-    Project project;
+    test::FreshProcess fresh;
+    test::ScratchDirectory directory;
     std::ostringstream document;
-
-private:
-    std::filesystem::path directory_;
+    Project project;
 };
 
 std::string haplotypic(char const* structure) { return std::string(profile) + four_samples + structure; }
@@ -195,9 +176,10 @@ TEST_F(ProjectTest, UnknownPhasePrintsNoHaplotypeDistances) {
 }
 
 TEST_F(ProjectTest, RecessiveDataOfKnownPhaseRefuseStructureAnalyses) {
-    open(std::string("[Profile]\nTitle=\"r\"\nNbSamples=1\nDataType=STANDARD\nGenotypicData=1\nGameticPhase=1\n"
-                     "RecessiveData=1\nRecessiveAllele=\"0\"\nLocusSeparator=WHITESPACE\nMissingData='?'\n[Data]\n"
-                     "[[Samples]]\nSampleName=\"a\"\nSampleSize=2\nSampleData={\ni 2 A B\nA 0\n}\n"));
+    open(
+        std::string("[Profile]\nTitle=\"r\"\nNbSamples=1\nDataType=STANDARD\nGenotypicData=1\nGameticPhase=1\n"
+                    "RecessiveData=1\nRecessiveAllele=\"0\"\nLocusSeparator=WHITESPACE\nMissingData='?'\n[Data]\n"
+                    "[[Samples]]\nSampleName=\"a\"\nSampleSize=2\nSampleData={\ni 2 A B\nA 0\n}\n"));
     for (long const task : {task::exact_test, task::amova, task::pairwise_fst}) {
         project.p_set().TaskNumber = task;
         EXPECT_EQ(project.make_run_possible(), 0);
@@ -221,6 +203,7 @@ TEST_F(ProjectTest, DistancesCountTheDifferencesBetweenHaplotypes) {
     EXPECT_EQ(project.p_set().TaskNumber, task::pairwise_fst);
     EXPECT_NE(document.str().find("\nNumber of usable loci for distance computation : 4"), std::string::npos);
     EXPECT_NE(document.str().find("List of loci with too much missing data :\n"), std::string::npos);
+    EXPECT_EQ(directory.read("MissDataPerLocus.txt").substr(0, 27), "Locus#\tFreq. missing data\n1");
 }
 
 TEST_F(ProjectTest, ConventionalStatisticsLeaveAnEmptyMatrixWithItsMark) {

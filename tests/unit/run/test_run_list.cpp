@@ -1,12 +1,12 @@
 // The run list: lines cut to their buffers, directives, the working directory.
-#include "run/run_list.h"
-
 #include <gtest/gtest.h>
 
 #include <cstdio>
 #include <fstream>
 #include <sstream>
 #include <string>
+
+#include "run/run_list.h"
 
 namespace tov {
 namespace {
@@ -56,9 +56,7 @@ TEST(RunListLine, IsCutToItsBufferAndTheRestIsDropped) {
     EXPECT_EQ(line, "next");
 }
 
-TEST(RunListLine, EndsAtANulCharacter) {
-    EXPECT_EQ(first_line(std::string("ab\0cd\n", 6), 399), "ab");
-}
+TEST(RunListLine, EndsAtANulCharacter) { EXPECT_EQ(first_line(std::string("ab\0cd\n", 6), 399), "ab"); }
 
 TEST(RunDirective, KnowsFourWordsAndTakesAllOthersForTheInterface) {
     EXPECT_EQ(run_directive("translate"), RunDirective::translate);
@@ -71,8 +69,8 @@ TEST(RunDirective, KnowsFourWordsAndTakesAllOthersForTheInterface) {
 }
 
 TEST(RunListHead, AppendsASlashToTheDirectoryUnlessItEndsInOne) {
-    for (auto const& [line, directory] : {std::pair{"/a/b", "/a/b/"}, {"/a/b/", "/a/b/"}, {"c:\\x\\", "c:\\x\\"},
-                                          {"", ""}}) {
+    for (auto const& [line, directory] :
+         {std::pair{"/a/b", "/a/b/"}, {"/a/b/", "/a/b/"}, {"c:\\x\\", "c:\\x\\"}, {"", ""}}) {
         ListFile const file(std::string(line) + "\nexplore\np.tvp\n");
         RunList list(file.path());
         std::string read = "old";

@@ -1,11 +1,11 @@
 // ScopedSwap: the old value returns on every way out.
-#include "base/scoped_swap.h"
-
 #include <gtest/gtest.h>
 
 #include <memory>
 #include <stdexcept>
 #include <string>
+
+#include "base/scoped_swap.h"
 
 namespace tov {
 namespace {
