@@ -207,12 +207,12 @@ public:
     int comp_gam_phase_EM(settings& s);
     void comp_gam_phase_Gibbs(settings& s);
     void calc_all_gam_des(std::ostream& out, long steps, settings& s);
-    int calc_gam_des_prob2(int* loci, long& seed, settings& s, long& stepsDone);
-    int calc_gam_des_prob3(int* loci, long& seed, settings& s, long& stepsDone);
+    double calc_gam_des_prob2(int* loci, long& seed, settings& s, long& stepsDone);
+    double calc_gam_des_prob3(int* loci, long& seed, settings& s, long& stepsDone);
     int make_all_table(int* k);
-    void calc_d_sd_values(int* loci, settings& s, double& sumD, double& sumDprime, int i, int last);
+    double swap_in_table(int* k, long& seed);
+    int calc_d_sd_values(int* loci, settings& s, double& sumD, double& sumDprime, int i, int last);
     void print_ld_histo(int n, int* loci, TriMat& p_values, settings& s, std::ostream& out);
-    void init_all_min_allele(int const& n, int* first, int* second);
     /// Linkage results of all pairs and samples for the summary; flushed by calc_all_gam_des.
     static MY_TArrayAsVector<double> mean_Dprime, mean_R2, adj_Dprime, adj_R2, flank_Dprime, flank_R2;
 

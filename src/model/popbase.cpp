@@ -54,7 +54,7 @@ void Population::clean() {
     pool.cleanDB(2.0);
     pool.empty();
     polym_sites = std::vector<int>();
-    table = std::vector<std::vector<int>>();
+    table.release();
 }
 
 int Population::polymSite(int site) const {

@@ -7,6 +7,7 @@
 
 #include "base/arrays.h"
 #include "base/cstring.h"
+#include "inference/formula/contingency_table.h"
 #include "input/profile.h"
 #include "model/alldb.h"
 #include "model/hapldb.h"
@@ -188,7 +189,7 @@ public:
     double nb_gene_copies = 0.0;          ///< of the list in use, for the permutations
     int converted = 0;                    ///< 1 after phen_to_gam
     double degrees_of_freedom = 0.0;      ///< of the last test of linkage disequilibrium with unknown phase
-    std::vector<std::vector<int>> table;  ///< contingency table of the Hardy-Weinberg and linkage tests
+    ContingencyTable table;               ///< of the Hardy-Weinberg and linkage tests, while one runs
     int monomorphic = 0;                  ///< the locus just tested had a single allele
     std::vector<double> permutation_counts;  ///< copies by haplotype number
     std::vector<int> existing_haplotypes;    ///< numbers with copies
