@@ -80,6 +80,14 @@ bool associate_matrix(ProjectView const& view) {
     return true;
 }
 
+std::vector<int> group_sizes_of(Structure const& structure) {
+    std::vector<int> sizes;
+    for (int g = 0; g < structure.nb_groups(); ++g) {
+        sizes.push_back(structure.group(g).nb_samples());
+    }
+    return sizes;
+}
+
 }  // namespace
 
 bool is_amova_structure(Structure const& structure) {
@@ -119,16 +127,43 @@ int run_amova(ProjectView const& view) {
         return 0;
     }
     number_populations(view);
-    Amova const amova(view, 1, 0, view.amova);
+    Amova const amova(view, view.amova);
     return 1;
 }
 
-Amova::Amova(ProjectView const& view, int print, int locus, amova_results* results)
-    : view_(view), print_(print != 0), locus_(locus), results_(results) {
+Amova::Amova(ProjectView const& view, amova_results* results)
+    : view_(view), print_(true), locus_(0), results_(results) {
     settings& set = view_.set;
     if (!machinery_wanted(set)) {
         return;
     }
+    time_text_ = creation_time();
+    initialize(gather_input());
+    if (set.wants(task::amova)) {
+        set.build_sigm_histo_f_name();
+        print_introduction();
+        design_ = select_design();
+        run_selected_design();
+    }
+    if (set.wants(task::pairwise_fst | task::mantel) || set.ComputeDeltaMuSqr != 0) {
+        CalcPairDist();
+    }
+    for (int i = 0; i < view_.samples->NbPopulations(); ++i) {
+        (*view_.samples)[i]->use_merged_list();
+    }
+}
+
+Amova::Amova(ProjectView const& view, int locus, AmovaInput input, amova_results* results)
+    : view_(view), print_(false), locus_(locus), results_(results) {
+    initialize(std::move(input));
+    design_ = select_design();
+    run_selected_design();
+}
+
+Amova::~Amova() = default;
+
+/// Each sample's list becomes the one in use: gene copies for genotypes, merged haplotypes otherwise.
+AmovaInput Amova::gather_input() {
     for (int i = 0; i < view_.samples->NbPopulations(); ++i) {
         Population& population = *(*view_.samples)[i];
         if (population.is_genotypic()) {
@@ -141,55 +176,39 @@ Amova::Amova(ProjectView const& view, int print, int locus, amova_results* resul
             population.nb_gene_copies += population.haplotype(k).copies;
         }
     }
-    initialize();
-    if (set.wants(task::amova)) {
-        set.build_sigm_histo_f_name();
-        if (print_) {
-            print_introduction();
-        }
-        design_ = select_design();
-        run_selected_design();
-    }
-    if (set.wants(task::pairwise_fst | task::mantel) || set.ComputeDeltaMuSqr != 0) {
-        CalcPairDist();
-    }
-    for (int i = 0; i < view_.samples->NbPopulations(); ++i) {
-        (*view_.samples)[i]->use_merged_list();
-    }
-}
-
-Amova::~Amova() = default;
-
-void Amova::initialize() {
-    settings& set = view_.set;
-    individual_level_ = set.IncludeIndividualLevel != 0;
-    plan_ = PermutationPlan(set.NumPermutationsAMOVA);
-    time_text_ = creation_time();
     populations_ = view_.structure->all_populations();
     std::vector<double> copies;
     for (Population const* const population : populations_) {
         copies.push_back(population->nb_gene_copies);
     }
-    std::vector<int> group_size;
-    for (int g = 0; g < view_.structure->nb_groups(); ++g) {
-        group_size.push_back(view_.structure->group(g).nb_samples());
-    }
-    sizes_ = StructureSizes(std::move(copies), std::move(group_size));
+    AmovaInput input;
+    input.sizes = StructureSizes(std::move(copies), group_sizes_of(*view_.structure));
+    input.distances = PairDistances(*view_.distances, std::max(view_.distances->dimension(), view_.haplotypes->size()));
+    input.genes = load_HaplotypeIndexVector(input.distances.size());
+    return input;
+}
+
+void Amova::initialize(AmovaInput input) {
+    settings const& set = view_.set;
+    individual_level_ = set.IncludeIndividualLevel != 0;
+    plan_ = PermutationPlan(set.NumPermutationsAMOVA);
+    sizes_ = std::move(input.sizes);
+    distances_ = std::move(input.distances);
+    observed_genes_ = std::move(input.genes);
+    genes_ = observed_genes_;
     sums_.Nu = individual_level_ ? 0.5 * sizes_.total : sizes_.total;
     if (sums_.Nu >= 2147483647.0) {
         E.error(ErrorType::Memory, "Amova::initialize()", 0);
     }
-    order_.resize(populations_.size());
+    order_.resize(sizes_.copies.size());
     std::iota(order_.begin(), order_.end(), 0);
-    distances_ = PairDistances(*view_.distances, std::max(view_.distances->dimension(), view_.haplotypes->size()));
-    load_HaplotypeIndexVector();
+    slices_ = gene_slices(sizes_.copies, static_cast<int>(genes_.size()));
+    S_.assign(sizes_.copies.size(), 0.0);
 }
 
 /// One entry a gene copy, population after population; the two copies of an individual are neighbours.
-void Amova::load_HaplotypeIndexVector() {
-    int const known = distances_.size();
-    observed_genes_.clear();
-    observed_genes_.reserve(static_cast<std::size_t>(sizes_.total) + populations_.size() + 1);
+std::vector<int> Amova::load_HaplotypeIndexVector(int known) const {
+    std::vector<int> genes;
     for (Population const* const population : populations_) {
         int position = 0;
         for (int k = 0; k < population->nb_haplotypes(); ++k) {
@@ -202,14 +221,11 @@ void Amova::load_HaplotypeIndexVector() {
                 E.error(ErrorType::Error, "Population::SetUpVectorsAfterPermutation", 2);
                 h = known;
             }
-            observed_genes_.insert(observed_genes_.end(), std::max(entry.copies, 0), h);
+            genes.insert(genes.end(), std::max(entry.copies, 0), h);
             position += entry.copies;
         }
     }
-    genes_ = observed_genes_;
-    slices_ = gene_slices(sizes_.copies, static_cast<int>(genes_.size()));
-    within_ = std::make_unique<WithinSums>(distances_, slices_);
-    S_.assign(populations_.size(), 0.0);
+    return genes;
 }
 
 void Amova::print_introduction() {
@@ -227,7 +243,7 @@ void Amova::print_introduction() {
 /// Number of the design; 0 for none.
 int Amova::select_design() const {
     settings const& set = view_.set;
-    if (sizes_.groups() == 0 || populations_.empty()) {
+    if (sizes_.groups() == 0 || sizes_.copies.empty()) {
         return 0;
     }
     Structure const& structure = *view_.structure;
@@ -301,6 +317,9 @@ void Amova::compute_observed_sums(bool individuals) {
 }
 
 double Amova::permuted_within_terms() {
+    if (!within_) {
+        within_ = std::make_unique<WithinSums>(distances_, slices_);
+    }
     within_->compute(genes_, S_);
     return within_terms(S_, sizes_);
 }

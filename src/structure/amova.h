@@ -62,16 +62,27 @@ struct AmovaDesign {
     bool individuals;  ///< levels of individuals: needs the sum within individuals
 };
 
+/// Gene copies, sizes and distances that an analysis works on.
+struct AmovaInput {
+    StructureSizes sizes;
+    PairDistances distances;
+    std::vector<int> genes;  ///< haplotype numbers, population after population
+};
+
 /// One analysis: construction does the whole work and leaves document, log and the record of results.
 ///
 /// The populations of the structure carry their numbers. Random draws: those of the tests, in the order of the
 /// design's table; none without permutations; then those of the distances between populations.
 class Amova {
 public:
-    /// @param print    0: no text at all, in the document or the log.
-    /// @param locus    number of the locus, 0 for a global run.
+    /// The structure of a project, with its print.
+    ///
     /// @param results  borrowed; receives the record.
-    Amova(ProjectView const& view, int print, int locus, amova_results* results);
+    Amova(ProjectView const& view, amova_results* results);
+    /// One locus of the structure, without any text.
+    ///
+    /// @param locus  from 0.
+    Amova(ProjectView const& view, int locus, AmovaInput input, amova_results* results);
     ~Amova();
     Amova(Amova const&) = delete;
     Amova& operator=(Amova const&) = delete;
@@ -91,8 +102,9 @@ private:
     using Statistic = std::function<double()>;
 
     // --- Set-up (amova.cpp) ---
-    void initialize();
-    void load_HaplotypeIndexVector();
+    void initialize(AmovaInput input);
+    [[nodiscard]] AmovaInput gather_input();
+    [[nodiscard]] std::vector<int> load_HaplotypeIndexVector(int known) const;
     [[nodiscard]] int select_design() const;
     void run_selected_design();
     void print_introduction();

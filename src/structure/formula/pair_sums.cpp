@@ -214,8 +214,65 @@ double among_sum(PairDistances const& distances, std::span<int const> a, std::sp
     return among_counted(distances, count_copies(a, distances.size()), count_copies(b, distances.size()));
 }
 
+namespace {
+
+/// Sums of two rows of counts, ascending haplotypes; zero counts add nothing.
+double dense_among(PairDistances const& d, double const* f, double const* g, int n) {
+    double sum = 0.0;
+    for (int i = 0; i < n; ++i) {
+        if (f[i] == 0.0) {
+            continue;
+        }
+        for (int j = 0; j < n; ++j) {
+            sum += f[i] * g[j] * d.at(i, j);
+        }
+    }
+    return sum;
+}
+
+double dense_within(PairDistances const& d, double const* f, int n) {
+    double sum = 0.0;
+    for (int i = 0; i < n; ++i) {
+        if (f[i] == 0.0) {
+            continue;
+        }
+        sum += 0.5 * f[i] * (f[i] - 1.0) * d.at(i, i);
+        for (int j = i + 1; j < n; ++j) {
+            sum += f[i] * f[j] * d.at(i, j);
+        }
+    }
+    return sum;
+}
+
+/// As population_sums, for few haplotypes: all counts in one table.
+std::vector<double> dense_population_sums(PairDistances const& d, std::span<GeneSlice const> slices,
+                                          std::span<int const> genes) {
+    int const n = d.size();
+    std::vector<double> counts(slices.size() * (static_cast<std::size_t>(n) + 1), 0.0);
+    auto const row = [&](std::size_t p) { return counts.data() + p * (static_cast<std::size_t>(n) + 1); };
+    for (std::size_t p = 0; p < slices.size(); ++p) {
+        for (int k = slices[p].begin; k < slices[p].end; ++k) {
+            row(p)[genes[k]] += 1.0;
+        }
+    }
+    std::vector<double> sums;
+    sums.reserve(slices.size() * (slices.size() + 1) / 2);
+    for (std::size_t p = 0; p < slices.size(); ++p) {
+        for (std::size_t q = 0; q < p; ++q) {
+            sums.push_back(dense_among(d, row(p), row(q), n));
+        }
+        sums.push_back(dense_within(d, row(p), n));
+    }
+    return sums;
+}
+
+}  // namespace
+
 std::vector<double> population_sums(PairDistances const& distances, std::span<GeneSlice const> slices,
                                     std::span<int const> genes) {
+    if (distances.size() <= 16) {
+        return dense_population_sums(distances, slices, genes);
+    }
     std::vector<Counted> counted;
     for (GeneSlice const& slice : slices) {
         counted.push_back(count_copies(genes.subspan(slice.begin, slice.end - slice.begin), distances.size()));
