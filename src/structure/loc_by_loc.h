@@ -1,0 +1,42 @@
+// The AMOVA locus by locus, and the calculations of the genetic structure around it.
+#pragma once
+
+#include <functional>
+#include <vector>
+
+#include "model/project_view.h"
+#include "structure/amova.h"
+#include "structure/amova_table.h"
+
+namespace tov {
+
+class TLocus;
+
+/// Alleles of one locus over the samples of a structure.
+struct OneLocus {
+    AmovaInput input;   ///< sizes, distances and gene copies, missing data left out
+    int empty_sample = -1;  ///< a sample without data: the locus can't be used
+};
+
+/// Gathers the alleles of one locus: the gene copies of every population of the structure in the order of its list in
+/// use, less those with missing data. Individuals stay whole (both copies or none) for genotypes whose phase is
+/// unknown, or when the individual level is included.
+[[nodiscard]] OneLocus build_one_locus(ProjectView const& view, int locus);
+
+/// Runs the AMOVA on each locus by itself and prints the tables; leaves the results in the loci of the database.
+void locus_by_locus_amova(ProjectView const& view);
+
+/// What the genetic structure calculations need from the project around them.
+struct StructureActions {
+    std::function<void()> convert_genotypes;             ///< genotypes to haplotypes and allele vectors, once a run
+    std::function<int(int, double)> calc_dist_matrix;
+    std::function<void()> print_distance_matrix;
+};
+
+/// Project::GenStructCalculations: AMOVA, distances between samples, locus by locus, exact tests, Mantel.
+///
+/// Values of the settings that it changes come back, except that the AMOVA and pairwise bits stay cleared where the
+/// data don't allow them.
+void gen_struct_calculations(ProjectView const& view, StructureActions const& actions);
+
+}  // namespace tov
