@@ -1,5 +1,6 @@
 // Project: life, file names, emptying, back-ups.
 #include "run/project.h"
+#include "structure/amova_results.h"
 
 #include <cstdio>
 #include <fstream>
@@ -25,7 +26,8 @@ Project::Project() try
       structure_(std::make_unique<Structure>()),
       mantel_(std::make_unique<Mantel>()),
       alleles_(std::make_unique<TAlleleDB>()),
-      settings_(std::make_unique<settings>()) {
+      settings_(std::make_unique<settings>()),
+      amova_(std::make_unique<amova_results>()) {
     haplotypes_->project = this;
     distances_->project = this;
     run_settings = settings_.get();

@@ -18,6 +18,7 @@ class Population;
 class Samples;
 class Structure;
 class TAlleleDB;
+class amova_results;
 class settings;
 struct ProjectView;
 
@@ -94,6 +95,7 @@ public:
     [[nodiscard]] Structure const& get_struct() const { return *structure_; }
     [[nodiscard]] Mantel& p_mantel() { return *mantel_; }
     [[nodiscard]] TAlleleDB& p_alldb() { return *alleles_; }
+    [[nodiscard]] amova_results& p_amova() { return *amova_; }
     [[nodiscard]] settings& p_set() { return *settings_; }
     [[nodiscard]] settings const& p_set() const { return *settings_; }
 
@@ -129,6 +131,7 @@ private:
     void run_sample_level();
     void analyse_level(LevelWords const& words);
     void analyse_samples(LevelWords const& words);
+    void GenStructCalculations();
     void end_run(RunFrame& frame);
     int abandon_run(RunFrame& frame);
     [[nodiscard]] std::ostream& document();
@@ -162,6 +165,7 @@ private:
     std::unique_ptr<Mantel> mantel_;        // owned
     std::unique_ptr<TAlleleDB> alleles_;    // owned
     std::unique_ptr<settings> settings_;    // owned
+    std::unique_ptr<amova_results> amova_;  // owned
 };
 
 /// The parts of `project` as the analyses see them; all pointers are borrowed.

@@ -323,6 +323,7 @@ void Project::run_sample_level() {
 
 void Project::analyse_level(LevelWords const& words) {
     if (projectValid) analyse_samples(words);
+    if (settings_->wants(task::amova | task::pairwise_fst | task::exact_test | task::mantel)) GenStructCalculations();
 }
 
 void Project::analyse_samples(LevelWords const& words) {

@@ -9,27 +9,24 @@
 #include "model/struct.h"
 #include "run/errors.h"
 #include "run/project.h"
+#include "structure/amova.h"
+#include "structure/loc_by_loc.h"
 
 namespace tov {
 
 ProjectView view_of(Project& project) {
     return {project.p_set(),  &project.p_sam(),   &project.p_str(),    &project.p_hdb(),
-            &project.p_dmt(), &project.p_alldb(), &project.p_mantel(), nullptr};
+            &project.p_dmt(), &project.p_alldb(), &project.p_mantel(), &project.p_amova()};
 }
 
-bool Project::IsAmovaStructure() const {
-    int const nb_groups = structure_->nb_groups();
-    int const nb_samples = structure_->nb_samples();
-    bool possible = true;
-    auto refuse = [&possible](int code) {
-        E.error(ErrorType::Warning, "Project::IsAmovaStructure()", code);
-        possible = false;
-    };
-    if (nb_samples == 0) refuse(123);
-    if (nb_groups == 0) refuse(124);
-    // As many groups as samples leave no degree of freedom within groups.
-    if (nb_groups == nb_samples && nb_samples > 1) refuse(125);
-    return possible;
+bool Project::IsAmovaStructure() const { return is_amova_structure(*structure_); }
+
+void Project::GenStructCalculations() {
+    convertMicrosatToNumberOfRepeats();
+    gen_struct_calculations(view_of(*this),
+                            {[this] { convert_phenotypes_and_build_vectors(); },
+                             [this](int method, double gamma) { return calc_dist_matrix(method, gamma); },
+                             [this] { print_distance_matrix(); }});
 }
 
 void Project::poolSamplesInGroups(Samples const&, Structure const& inStructure, Samples& out, Structure& outStructure) {
