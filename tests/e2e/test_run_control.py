@@ -400,6 +400,46 @@ class Checks(RunTestCase):
         self.assertIn("Successful run", log)
 
 
+class GroupLevel(RunTestCase):
+    def test_groups_are_analysed_before_samples_under_anchors_of_their_own(self):
+        self.run_project(dna_project(structure=(("North", "South"),)), TaskNumber=1, ComputeSumStatsWithinGroups=1)
+        document = self.document()
+        groups = document.index("== ANALYSES AT THE INTRA-GROUP LEVEL")
+        samples = document.index("== ANALYSES AT THE INTRA-POPULATION LEVEL")
+        self.assertLess(groups, samples)
+        self.assertIn("== Sample : \tGroup1", document[groups:samples])
+        self.assertIn("No. of gene copies       : 7\n", document[groups:samples])
+        self.assertIn("== Sample : \tNorth", document[samples:])
+        anchors = re.findall(r'<A NAME="([^"]*)"', document)
+        self.assertEqual(sorted(anchors), sorted(set(anchors)))
+
+    def test_the_sample_level_is_the_same_with_and_without_groups(self):
+        project = dna_project(structure=(("North", "South"),))
+        levels = []
+        for wanted in (0, 1):
+            self.run_project(project, TaskNumber=1, ComputeSumStatsWithinGroups=wanted)
+            document = mask_times(self.document())
+            levels.append(document[document.index("== ANALYSES AT THE INTRA-POPULATION LEVEL"):])
+        self.assertEqual(levels[0], levels[1])
+
+    def test_without_a_structure_there_is_no_group_to_analyse(self):
+        log = self.run_project(dna_project(), TaskNumber=1, ComputeSumStatsWithinGroups=1)
+        self.assertIn("Successful run", log)
+        self.assert_well_formed("p.res", "p.xml")
+
+    def test_genotypes_are_pooled_too(self):
+        text = ('[Profile]\nTitle="g"\nNbSamples=2\nDataType=MICROSAT\nGenotypicData=1\nGameticPhase=0\n'
+                "LocusSeparator=WHITESPACE\nMissingData='?'\nRecessiveData=0\n[Data]\n[[Samples]]\n"
+                'SampleName="a"\nSampleSize=3\nSampleData={\ni1 2 10 20\n11 20\ni2 1 10 21\n10 20\n}\n'
+                'SampleName="b"\nSampleSize=2\nSampleData={\ni3 2 12 20\n10 ?\n}\n'
+                '[[Structure]]\nStructureName="s"\nNbGroups=1\nGroup={\n"a"\n"b"\n}\n')
+        self.run_project(text, TaskNumber=1, ComputeSumStatsWithinGroups=1)
+        document = self.document()
+        self.assertIn("No. of gene copies       : 10\n", document)
+        self.assertIn("No. of gene copies       : 6\n", document)
+        self.assertIn("No. of gene copies       : 4\n", document)
+
+
 class Explore(RunTestCase):
     def explore(self, text):
         self.write("p.tvp", text)
