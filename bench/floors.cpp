@@ -19,4 +19,18 @@ double sum_of_mt19937_64(std::mt19937_64& engine, int n) noexcept {
     return sum;
 }
 
+void count_different_bytes(char const* rows, std::size_t k, std::size_t n, int* counts) noexcept {
+    for (std::size_t i = 0; i < k; ++i) {
+        for (std::size_t j = 0; j < i; ++j) {
+            char const* const a = rows + i * n;
+            char const* const b = rows + j * n;
+            int different = 0;
+            for (std::size_t site = 0; site < n; ++site) {
+                different += a[site] != b[site];
+            }
+            *counts++ = different;
+        }
+    }
+}
+
 }  // namespace tov::floors

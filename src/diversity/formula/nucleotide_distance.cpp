@@ -148,6 +148,28 @@ SiteClass nucleotide_pair_class(char a, char b) noexcept {
         .classes[class_table.code[static_cast<unsigned char>(a)]][class_table.code[static_cast<unsigned char>(b)]];
 }
 
+void add_site(PairCounts& c, char a, char b, char missing) noexcept {
+    if (a == b) {
+        if (a != missing) {
+            ++(a == '-' ? c.equal_gap : c.equal);
+        }
+        return;
+    }
+    add_base_pair(c, a, b);
+    SiteClass const kind = nucleotide_pair_class(a, b);
+    switch (kind) {
+        case SiteClass::transition: ++c.transitions; break;
+        case SiteClass::transversion: ++c.transversions; break;
+        case SiteClass::ambiguous: ++c.ambiguous; break;
+        case SiteClass::deletion:
+        case SiteClass::none:
+            ++(kind == SiteClass::none ? c.unclassified : c.deletions);
+            c.uncorrectable += (a != missing && b != '-') || (b != missing && a != '-');
+            c.uncorrectable_known += a != missing && b != missing && a != '-' && b != '-';
+            break;
+    }
+}
+
 PairCounts count_pair(std::string_view s1, std::string_view s2, std::span<int const> usable, char missing) noexcept {
     PairCounts c;
     std::size_t n = std::min(s1.size(), s2.size());
@@ -155,29 +177,8 @@ PairCounts count_pair(std::string_view s1, std::string_view s2, std::span<int co
         n = std::min(n, usable.size());
     }
     for (std::size_t site = 0; site < n; ++site) {
-        if (usable.data() != nullptr && usable[site] == 0) {
-            continue;
-        }
-        char const a = s1[site];
-        char const b = s2[site];
-        if (a == b) {
-            if (a != missing) {
-                ++(a == '-' ? c.equal_gap : c.equal);
-            }
-            continue;
-        }
-        add_base_pair(c, a, b);
-        SiteClass const kind = nucleotide_pair_class(a, b);
-        switch (kind) {
-            case SiteClass::transition: ++c.transitions; break;
-            case SiteClass::transversion: ++c.transversions; break;
-            case SiteClass::ambiguous: ++c.ambiguous; break;
-            case SiteClass::deletion:
-            case SiteClass::none:
-                ++(kind == SiteClass::none ? c.unclassified : c.deletions);
-                c.uncorrectable += (a != missing && b != '-') || (b != missing && a != '-');
-                c.uncorrectable_known += a != missing && b != missing && a != '-' && b != '-';
-                break;
+        if (usable.data() == nullptr || usable[site] != 0) {
+            add_site(c, s1[site], s2[site], missing);
         }
     }
     return c;

@@ -53,6 +53,9 @@ struct PairCounts {
     friend bool operator==(PairCounts const&, PairCounts const&) = default;
 };
 
+/// Adds one site with the characters a and b.
+void add_site(PairCounts& counts, char a, char b, char missing) noexcept;
+
 /// Counts one pair of aligned sequences, up to the end of the shorter one.
 ///
 /// @param usable   one flag a site, 0 passes over it; sites beyond the span count as unusable. A null span uses all.

@@ -3,46 +3,52 @@
 
 #include <algorithm>
 #include <bit>
+#include <cstddef>
 
 namespace tov {
 namespace {
 
+#if defined(__GNUC__) && defined(__x86_64__)
+#define TOV_COUNTING_INSTRUCTION [[gnu::target("popcnt")]]
+#else
+#define TOV_COUNTING_INSTRUCTION
+#endif
+
 using Word = std::uint64_t;
 
-/// Sums the bits of many words: per-byte counts are added up first, and the bytes once every 31 words.
-class BitCounter {
+/// Sums the bits of many words by shifts: per-byte counts are added up first, and the bytes once every 31 words.
+class ShiftCounter {
 public:
-    void add(Word v) noexcept {
+    [[gnu::always_inline]] inline void add(Word v) noexcept {
         v -= (v >> 1) & 0x5555555555555555U;
         v = (v & 0x3333333333333333U) + ((v >> 2) & 0x3333333333333333U);
         bytes_ += (v + (v >> 4)) & 0x0f0f0f0f0f0f0f0fU;
     }
     /// To be called at least once every 31 additions.
-    void fold() noexcept {
+    [[gnu::always_inline]] inline void fold() noexcept {
         Word const pairs = (bytes_ & 0x00ff00ff00ff00ffU) + ((bytes_ >> 8) & 0x00ff00ff00ff00ffU);
         total_ += static_cast<int>((pairs * 0x0001000100010001U) >> 48);
         bytes_ = 0;
     }
-    [[nodiscard]] int total() const noexcept { return total_; }
+    [[gnu::always_inline]] [[nodiscard]] inline int total() const noexcept { return total_; }
 
 private:
     Word bytes_ = 0;
     int total_ = 0;
 };
 
-constexpr std::size_t fold_every = 31;
+/// Sums the bits of words by the processor's own instruction, where the caller is compiled for it.
+class InstructionCounter {
+public:
+    [[gnu::always_inline]] inline void add(Word v) noexcept { total_ += std::popcount(v); }
+    [[gnu::always_inline]] inline void fold() noexcept {}
+    [[gnu::always_inline]] [[nodiscard]] inline int total() const noexcept { return total_; }
 
-/// Calls visit(word index) for all words and fold() after every 31st and at the end.
-template <class Visit, class Fold>
-inline void for_words(std::size_t n, Visit visit, Fold fold) noexcept {
-    for (std::size_t start = 0; start < n; start += fold_every) {
-        std::size_t const end = std::min(n, start + fold_every);
-        for (std::size_t k = start; k < end; ++k) {
-            visit(k);
-        }
-        fold();
-    }
-}
+private:
+    int total_ = 0;
+};
+
+constexpr std::size_t fold_every = 31;
 
 int base_code(char c) noexcept {
     switch (c) {
@@ -79,26 +85,62 @@ std::vector<std::size_t> usable_sites(std::span<std::string_view const> sequence
     return sites;
 }
 
+/// Marks the characters in which any sequence differs from the first one; shorter sequences differ from their end on.
+std::vector<char> varying_sites(std::span<std::string_view const> sequences, std::size_t n) {
+    std::vector<char> varies(n, 0);
+    for (std::string_view const s : sequences) {
+        std::size_t const length = std::min({n, s.size(), sequences.front().size()});
+        char const* const first = sequences.front().data();
+        for (std::size_t site = 0; site < length; ++site) {
+            varies[site] = static_cast<char>(varies[site] | (s[site] ^ first[site]));
+        }
+        std::fill(varies.begin() + static_cast<std::ptrdiff_t>(length), varies.end(), 1);
+    }
+    return varies;
+}
+
 }  // namespace
 
+WordCount fastest_word_count() noexcept {
+#if defined(__GNUC__) && defined(__x86_64__)
+    static WordCount const fastest =
+        __builtin_cpu_supports("popcnt") ? WordCount::instruction : WordCount::portable;
+    return fastest;
+#else
+    return WordCount::instruction;
+#endif
+}
+
 NucleotidePlanes::NucleotidePlanes(std::span<std::string_view const> sequences, std::span<int const> usable,
-                                   char missing)
-    : missing_(missing), missing_has_plane_(unclassified_against_bases(missing)), traits_(sequences.size()) {
-    std::vector<std::size_t> const sites = usable_sites(sequences, usable);
+                                   char missing, WordCount how)
+    : missing_(missing),
+      how_(how),
+      missing_has_plane_(unclassified_against_bases(missing)),
+      traits_(sequences.size()),
+      characters_(sequences.size()) {
+    std::vector<std::size_t> sites = usable_sites(sequences, usable);
+    if (!sites.empty()) {
+        std::vector<char> const varies = varying_sites(sequences, sites.back() + 1);
+        std::string_view const first = sequences.front();
+        auto const constant = [&](std::size_t site) {
+            return varies[site] == 0 && site < first.size() && first[site] != missing && base_code(first[site]) >= 0;
+        };
+        constant_sites_ = static_cast<int>(std::erase_if(sites, constant));
+    }
     nb_words_ = (sites.size() + 63) / 64;
     words_.assign(sequences.size() * nb_planes * nb_words_, 0);
-    usable_sequences_.resize(sequences.size());
     for (std::size_t i = 0; i < sequences.size(); ++i) {
-        usable_sequences_[i].reserve(sites.size());
+        std::string& characters = characters_[i];
         for (std::size_t k = 0; k < sites.size() && sites[k] < sequences[i].size(); ++k) {
             char const c = sequences[i][sites[k]];
-            usable_sequences_[i].push_back(c);
+            characters.push_back(c);
             set(i, k, c);
         }
-        traits_[i].sites = static_cast<int>(usable_sequences_[i].size());
-        if (!traits_[i].others) {
-            usable_sequences_[i].shrink_to_fit();
-        }
+        traits_[i].sites = static_cast<int>(characters.size());
+    }
+    bool const any_others = std::any_of(traits_.begin(), traits_.end(), [](Traits const& t) { return t.others; });
+    if (!any_others) {
+        characters_.clear();
     }
 }
 
@@ -122,142 +164,113 @@ void NucleotidePlanes::set(std::size_t i, std::size_t site, char c) {
     }
 }
 
-PairCounts NucleotidePlanes::compare(std::size_t i, std::size_t j, bool base_pairs) const noexcept {
-    PairCounts c;
+/// Sites with bases in both sequences.
+template <class Counter>
+void NucleotidePlanes::add_bases(std::size_t i, std::size_t j, PairCounts& c) const noexcept {
     Word const* const low_i = plane(i, low);
     Word const* const low_j = plane(j, low);
     Word const* const high_i = plane(i, high);
     Word const* const high_j = plane(j, high);
-    BitCounter ts;
-    BitCounter tv;
-    auto fold = [&] {
-        ts.fold();
-        tv.fold();
-    };
+    Counter ts;
+    Counter tv;
     if (pure(i) && pure(j) && traits_[i].sites == traits_[j].sites) {
-        for_words(
-            nb_words_,
-            [&](std::size_t k) {
+        for (std::size_t start = 0; start < nb_words_; start += fold_every) {
+            std::size_t const end = std::min(nb_words_, start + fold_every);
+            for (std::size_t k = start; k < end; ++k) {
                 Word const d1 = high_i[k] ^ high_j[k];
                 tv.add(d1);
                 ts.add((low_i[k] ^ low_j[k]) & ~d1);
-            },
-            fold);
-        c.transitions = ts.total();
-        c.transversions = tv.total();
-        c.equal = traits_[i].sites - c.transitions - c.transversions;
+            }
+            tv.fold();
+            ts.fold();
+        }
+        c.equal = traits_[i].sites - ts.total() - tv.total();
     } else {
         Word const* const base_i = plane(i, base);
         Word const* const base_j = plane(j, base);
-        BitCounter both;
-        for_words(
-            nb_words_,
-            [&](std::size_t k) {
+        Counter both;
+        for (std::size_t start = 0; start < nb_words_; start += fold_every) {
+            std::size_t const end = std::min(nb_words_, start + fold_every);
+            for (std::size_t k = start; k < end; ++k) {
                 Word const m = base_i[k] & base_j[k];
                 Word const d1 = (high_i[k] ^ high_j[k]) & m;
                 both.add(m);
                 tv.add(d1);
                 ts.add((low_i[k] ^ low_j[k]) & m & ~d1);
-            },
-            [&] {
-                fold();
-                both.fold();
-            });
-        c.transitions = ts.total();
-        c.transversions = tv.total();
-        c.equal = both.total() - c.transitions - c.transversions;
-        if (both.total() != std::max(traits_[i].sites, traits_[j].sites)) {
-            add_special_sites(i, j, c);
+            }
+            both.fold();
+            tv.fold();
+            ts.fold();
         }
+        c.equal = both.total() - ts.total() - tv.total();
     }
-    if (base_pairs) {
-        add_base_pairs(i, j, c);
-    }
-    if (traits_[i].others || traits_[j].others) {
-        add_other_sites(i, j, c);
-    }
-    return c;
+    c.transitions = ts.total();
+    c.transversions = tv.total();
 }
 
+/// Sites with '-' or missing data in one sequence or both.
+template <class Counter>
 void NucleotidePlanes::add_special_sites(std::size_t i, std::size_t j, PairCounts& c) const noexcept {
     Word const* const base_i = plane(i, base);
     Word const* const base_j = plane(j, base);
-    if (traits_[i].gaps || traits_[j].gaps) {
-        Word const* const gap_i = plane(i, gap);
-        Word const* const gap_j = plane(j, gap);
-        Word const* const absent_i = plane(i, absent);
-        Word const* const absent_j = plane(j, absent);
-        BitCounter gaps;
-        BitCounter gap_base;
-        BitCounter gap_absent;
-        BitCounter absent_gap;
-        for_words(
-            nb_words_,
-            [&](std::size_t k) {
-                gaps.add(gap_i[k] & gap_j[k]);
-                gap_base.add((gap_i[k] & base_j[k]) | (base_i[k] & gap_j[k]));
-                gap_absent.add(gap_i[k] & absent_j[k]);
-                absent_gap.add(absent_i[k] & gap_j[k]);
-            },
-            [&] {
-                gaps.fold();
-                gap_base.fold();
-                gap_absent.fold();
-                absent_gap.fold();
-            });
-        c.equal_gap += missing_ == '-' ? 0 : gaps.total();
-        c.deletions += gap_base.total();
-        c.uncorrectable += missing_ == '-' ? 0 : gap_base.total();
-        auto add = [&c](int n, SiteClass kind) { (kind == SiteClass::deletion ? c.deletions : c.unclassified) += n; };
-        add(gap_absent.total(), nucleotide_pair_class('-', missing_));
-        add(absent_gap.total(), nucleotide_pair_class(missing_, '-'));
-        c.uncorrectable += gap_absent.total() + absent_gap.total();
+    Word const* const gap_i = plane(i, gap);
+    Word const* const gap_j = plane(j, gap);
+    Word const* const absent_i = plane(i, absent);
+    Word const* const absent_j = plane(j, absent);
+    Counter gaps;
+    Counter gap_base;
+    Counter gap_absent;
+    Counter absent_gap;
+    Counter base_absent;
+    bool const with_gaps = traits_[i].gaps || traits_[j].gaps;
+    bool const with_missing = traits_[i].missing || traits_[j].missing;
+    for (std::size_t start = 0; start < nb_words_; start += fold_every) {
+        std::size_t const end = std::min(nb_words_, start + fold_every);
+        for (std::size_t k = start; with_gaps && k < end; ++k) {
+            gaps.add(gap_i[k] & gap_j[k]);
+            gap_base.add((gap_i[k] & base_j[k]) | (base_i[k] & gap_j[k]));
+        }
+        for (std::size_t k = start; with_missing && k < end; ++k) {
+            base_absent.add((base_i[k] & absent_j[k]) | (absent_i[k] & base_j[k]));
+        }
+        for (std::size_t k = start; with_gaps && with_missing && k < end; ++k) {
+            gap_absent.add(gap_i[k] & absent_j[k]);
+            absent_gap.add(absent_i[k] & gap_j[k]);
+        }
+        gaps.fold();
+        gap_base.fold();
+        base_absent.fold();
+        gap_absent.fold();
+        absent_gap.fold();
     }
-    if (traits_[i].missing || traits_[j].missing) {
-        Word const* const absent_i = plane(i, absent);
-        Word const* const absent_j = plane(j, absent);
-        BitCounter base_absent;
-        for_words(
-            nb_words_, [&](std::size_t k) { base_absent.add((base_i[k] & absent_j[k]) | (absent_i[k] & base_j[k])); },
-            [&] { base_absent.fold(); });
-        c.unclassified += base_absent.total();
-        c.uncorrectable += base_absent.total();
-    }
+    bool const gap_is_missing = missing_ == '-';
+    c.equal_gap += gap_is_missing ? 0 : gaps.total();
+    c.deletions += gap_base.total();
+    c.uncorrectable += gap_is_missing ? 0 : gap_base.total();
+    (nucleotide_pair_class('-', missing_) == SiteClass::deletion ? c.deletions : c.unclassified) += gap_absent.total();
+    (nucleotide_pair_class(missing_, '-') == SiteClass::deletion ? c.deletions : c.unclassified) += absent_gap.total();
+    c.unclassified += base_absent.total();
+    c.uncorrectable += gap_absent.total() + absent_gap.total() + base_absent.total();
 }
 
 void NucleotidePlanes::add_other_sites(std::size_t i, std::size_t j, PairCounts& c) const noexcept {
     Word const* const other_i = plane(i, other);
     Word const* const other_j = plane(j, other);
-    std::string_view const s1 = usable_sequences_[i];
-    std::string_view const s2 = usable_sequences_[j];
+    std::string_view const s1 = characters_[i];
+    std::string_view const s2 = characters_[j];
     std::size_t const n = std::min(s1.size(), s2.size());
-    int const usable_one[] = {1};
     for (std::size_t k = 0; k < nb_words_; ++k) {
         for (Word left = other_i[k] | other_j[k]; left != 0; left &= left - 1) {
             std::size_t const site = k * 64 + static_cast<std::size_t>(std::countr_zero(left));
             if (site >= n) {
                 return;
             }
-            PairCounts const one = count_pair(s1.substr(site, 1), s2.substr(site, 1), usable_one, missing_);
-            c.equal += one.equal;
-            c.equal_gap += one.equal_gap;
-            c.transitions += one.transitions;
-            c.transversions += one.transversions;
-            c.deletions += one.deletions;
-            c.ambiguous += one.ambiguous;
-            c.unclassified += one.unclassified;
-            c.uncorrectable += one.uncorrectable;
-            c.uncorrectable_known += one.uncorrectable_known;
-            c.ag += one.ag;
-            c.ct += one.ct;
-            c.ac += one.ac;
-            c.at += one.at;
-            c.cg += one.cg;
-            c.gt += one.gt;
+            add_site(c, s1[site], s2[site], missing_);
         }
     }
 }
 
+template <class Counter>
 void NucleotidePlanes::add_base_pairs(std::size_t i, std::size_t j, PairCounts& c) const noexcept {
     Word const* const low_i = plane(i, low);
     Word const* const low_j = plane(j, low);
@@ -265,38 +278,66 @@ void NucleotidePlanes::add_base_pairs(std::size_t i, std::size_t j, PairCounts& 
     Word const* const high_j = plane(j, high);
     Word const* const base_i = plane(i, base);
     Word const* const base_j = plane(j, base);
-    BitCounter ag;
-    BitCounter ct;
-    BitCounter ac;
-    BitCounter at;
-    BitCounter cg;
-    BitCounter gt;
-    for_words(
-        nb_words_,
-        [&](std::size_t k) {
+    Counter ag;
+    Counter ac;
+    Counter at;
+    Counter cg;
+    for (std::size_t start = 0; start < nb_words_; start += fold_every) {
+        std::size_t const end = std::min(nb_words_, start + fold_every);
+        for (std::size_t k = start; k < end; ++k) {
             Word const m = base_i[k] & base_j[k];
             Word const d0 = low_i[k] ^ low_j[k];
             Word const d1 = (high_i[k] ^ high_j[k]) & m;
-            Word const purine_low = (low_i[k] & ~high_i[k]) | (low_j[k] & ~high_j[k]);  // the purine of a pair is G
-            Word const ts = d0 & m & ~d1;
-            ag.add(ts & ~high_i[k]);
-            ct.add(ts & high_i[k]);
-            ac.add(d1 & ~d0 & ~purine_low);
-            gt.add(d1 & ~d0 & purine_low);
-            at.add(d1 & d0 & ~purine_low);
-            cg.add(d1 & d0 & purine_low);
-        },
-        [&] {
-            for (BitCounter* const counter : {&ag, &ct, &ac, &at, &cg, &gt}) {
-                counter->fold();
-            }
-        });
+            Word const purine_is_g = (low_i[k] & ~high_i[k]) | (low_j[k] & ~high_j[k]);
+            ag.add(d0 & m & ~d1 & ~high_i[k]);
+            ac.add(d1 & ~d0 & ~purine_is_g);
+            at.add(d1 & d0 & ~purine_is_g);
+            cg.add(d1 & d0 & purine_is_g);
+        }
+        ag.fold();
+        ac.fold();
+        at.fold();
+        cg.fold();
+    }
+    // At this point the transitions and transversions are those between bases.
     c.ag += ag.total();
-    c.ct += ct.total();
+    c.ct += c.transitions - ag.total();
     c.ac += ac.total();
     c.at += at.total();
     c.cg += cg.total();
-    c.gt += gt.total();
+    c.gt += c.transversions - ac.total() - at.total() - cg.total();
+}
+
+template <class Counter>
+PairCounts NucleotidePlanes::compare_with(std::size_t i, std::size_t j, bool base_pairs) const noexcept {
+    PairCounts c;
+    add_bases<Counter>(i, j, c);
+    if (base_pairs) {
+        add_base_pairs<Counter>(i, j, c);
+    }
+    if (c.equal + c.transitions + c.transversions != std::max(traits_[i].sites, traits_[j].sites)) {
+        add_special_sites<Counter>(i, j, c);
+    }
+    c.equal += constant_sites_;
+    return c;
+}
+
+TOV_COUNTING_INSTRUCTION PairCounts NucleotidePlanes::compare_by_instruction(std::size_t i, std::size_t j,
+                                                                            bool base_pairs) const noexcept {
+    return compare_with<InstructionCounter>(i, j, base_pairs);
+}
+
+PairCounts NucleotidePlanes::compare_portably(std::size_t i, std::size_t j, bool base_pairs) const noexcept {
+    return compare_with<ShiftCounter>(i, j, base_pairs);
+}
+
+PairCounts NucleotidePlanes::compare(std::size_t i, std::size_t j, bool base_pairs) const noexcept {
+    PairCounts c =
+        how_ == WordCount::instruction ? compare_by_instruction(i, j, base_pairs) : compare_portably(i, j, base_pairs);
+    if (traits_[i].others || traits_[j].others) {
+        add_other_sites(i, j, c);
+    }
+    return c;
 }
 
 PairDistance nucleotide_distance(NucleotideMethod const& m, PairCounts const& counts) noexcept {

@@ -12,16 +12,23 @@
 
 namespace tov {
 
+/// How the bits of a word are counted: by an instruction of the processor, or by shifts and sums.
+enum class WordCount { instruction, portable };
+/// The faster way that this processor has.
+[[nodiscard]] WordCount fastest_word_count() noexcept;
+
 /// Aligned DNA sequences packed into bit planes over their usable sites.
 ///
 /// Per sequence six planes of 64-bit words: two of base code (A 00, G 01, C 10, T 11), and one each that marks the sites
 /// with one of the four bases, with '-', with the missing-data character, and with any other character. Sites of the last
-/// plane are looked up one by one. Building costs one pass over the characters; comparing allocates nothing.
+/// plane are looked up one by one. Sites at which all sequences have the same base are only counted. Building costs two
+/// passes over the characters; comparing allocates nothing.
 class NucleotidePlanes {
 public:
     /// @param sequences  k sequences; shorter ones end early, as in count_pair().
     /// @param usable     one flag a site, 0 leaves it out; sites beyond the span are left out.
-    NucleotidePlanes(std::span<std::string_view const> sequences, std::span<int const> usable, char missing);
+    NucleotidePlanes(std::span<std::string_view const> sequences, std::span<int const> usable, char missing,
+                     WordCount how = fastest_word_count());
 
     [[nodiscard]] std::size_t size() const noexcept { return traits_.size(); }
     /// Counts of the pair (i, j), equal to count_pair() on the two sequences.
@@ -30,7 +37,7 @@ public:
 
 private:
     struct Traits {
-        int sites = 0;  ///< usable sites that the sequence reaches
+        int sites = 0;  ///< usable sites in the planes that the sequence reaches
         bool gaps = false;
         bool missing = false;
         bool others = false;
@@ -45,16 +52,26 @@ private:
         return !t.gaps && !t.missing && !t.others;
     }
     void set(std::size_t i, std::size_t site, char c);
-    void add_special_sites(std::size_t i, std::size_t j, PairCounts& c) const noexcept;
+    template <class Counter>
+    [[gnu::always_inline]] inline PairCounts compare_with(std::size_t i, std::size_t j, bool base_pairs) const noexcept;
+    template <class Counter>
+    [[gnu::always_inline]] inline void add_bases(std::size_t i, std::size_t j, PairCounts& c) const noexcept;
+    template <class Counter>
+    [[gnu::always_inline]] inline void add_special_sites(std::size_t i, std::size_t j, PairCounts& c) const noexcept;
+    template <class Counter>
+    [[gnu::always_inline]] inline void add_base_pairs(std::size_t i, std::size_t j, PairCounts& c) const noexcept;
+    [[nodiscard]] PairCounts compare_by_instruction(std::size_t i, std::size_t j, bool base_pairs) const noexcept;
+    [[nodiscard]] PairCounts compare_portably(std::size_t i, std::size_t j, bool base_pairs) const noexcept;
     void add_other_sites(std::size_t i, std::size_t j, PairCounts& c) const noexcept;
-    void add_base_pairs(std::size_t i, std::size_t j, PairCounts& c) const noexcept;
 
     std::size_t nb_words_ = 0;
     char missing_;
+    WordCount how_;
     bool missing_has_plane_ = false;
+    int constant_sites_ = 0;  ///< usable sites with one base in all sequences
     std::vector<std::uint64_t> words_;
     std::vector<Traits> traits_;
-    std::vector<std::string> usable_sequences_;  ///< usable characters alone, for the sites looked up one by one
+    std::vector<std::string> characters_;  ///< characters of the sites in the planes, of sequences with others
 };
 
 /// A distance method of DNA with its parameters.

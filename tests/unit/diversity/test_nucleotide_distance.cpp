@@ -263,11 +263,13 @@ TEST_P(NucleotidePlanesOver, CountTheSameAsThePlainScan) {
         }
         std::vector<std::string_view> const views(sequences.begin(), sequences.end());
         NucleotidePlanes const planes(views, usable, GetParam().missing);
+        NucleotidePlanes const portable(views, usable, GetParam().missing, WordCount::portable);
         for (std::size_t i = 0; i < sequences.size(); ++i) {
             for (std::size_t j = 0; j < sequences.size(); ++j) {
                 PairCounts const wanted = oracle::scan(sequences[i], sequences[j], usable, GetParam().missing);
                 EXPECT_EQ(count_pair(sequences[i], sequences[j], usable, GetParam().missing), wanted);
                 EXPECT_EQ(planes.compare(i, j, true), wanted) << length << ' ' << i << ' ' << j;
+                EXPECT_EQ(portable.compare(i, j, true), wanted) << length << ' ' << i << ' ' << j;
             }
         }
     }
@@ -279,6 +281,28 @@ INSTANTIATE_TEST_SUITE_P(Alphabets, NucleotidePlanesOver,
                                          PlaneCase{"ACGT-", '-'}, PlaneCase{"ACGT-R", '-'},
                                          PlaneCase{"ACGT-?BDHKMNRSVWY01xz", '?'}, PlaneCase{"ACGTRY?", 'R'},
                                          PlaneCase{"ACGT-", 'A'}, PlaneCase{"01-?", '?'}));
+
+TEST(NucleotidePlanes, CountSitesThatNeverVary) {
+    Sequences source;
+    std::string const common = source.make(1, 700, "ACGT-?R")[0];
+    std::vector<std::string> s(4, common);
+    for (std::size_t i = 0; i < s.size(); ++i) {
+        for (std::size_t site = i; site < 700; site += 97) {
+            s[i][site] = "ACGT-?RY"[(i + site) % 8];
+        }
+    }
+    s.push_back(common.substr(0, 350));
+    std::vector<int> const usable(700, 1);
+    for (std::size_t const k : {std::size_t{4}, s.size()}) {  // without and with the short one
+        std::vector<std::string_view> const views(s.begin(), s.begin() + static_cast<std::ptrdiff_t>(k));
+        NucleotidePlanes const planes(views, usable, '?');
+        for (std::size_t i = 0; i < k; ++i) {
+            for (std::size_t j = 0; j < k; ++j) {
+                EXPECT_EQ(planes.compare(i, j, true), oracle::scan(s[i], s[j], usable, '?'));
+            }
+        }
+    }
+}
 
 TEST(PairwiseDifference, AgreesWithSummingSiteBySite) {
     Sequences source;
