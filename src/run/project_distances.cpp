@@ -17,6 +17,7 @@
 #include "output/table.h"
 #include "run/errors.h"
 #include "run/project.h"
+#include "structure/minspanet.h"
 
 namespace tov {
 namespace {
@@ -121,6 +122,19 @@ void Project::print_distance_matrix() {
         HaploDef const& definition = (*haplotypes_)[i];
         out << user_text{definition.id, 8} << '\t' << num{total > 0.0 ? definition.copies / total : 0.0} << '\n';
     }
+    if (set.PrintMinSpannNetworkGlob != 0) print_network();
+}
+
+/// The minimum spanning network of all haplotypes, on the matrix in use.
+void Project::print_network() {
+    int const n = distances_->conventional_fst() ? haplotypes_->size() : distances_->dimension();
+    RectMat square(n, n);
+    for (int i = 0; i < n; ++i)
+        for (int j = 0; j < n; ++j) square(i, j) = (*distances_)(i, j);
+    std::vector<std::string> labels;
+    for (int i = 0; i < n; ++i)
+        labels.push_back(i < haplotypes_->size() ? (*haplotypes_)[i].id.str() : std::to_string(i + 1));
+    print_spanning_network(document(), square, title.str(), labels);
 }
 
 /// Matrix of the redundancy search, and the row of each haplotype in it. @return  false after code 135.
