@@ -30,12 +30,16 @@ inline constexpr BlockRow block_table[] = {
     {task::pairwise_distances, distance_matrix_block},
 
     // --- Tajima's test ---
+    {task::tajima, tajima_block},
 
     // --- Ewens-Watterson tests ---
+    {task::ewens_watterson, ewens_watterson_block},
 
     // --- Chakraborty's test ---
+    {task::chakraborty, chakraborty_block},
 
     // --- Fu's test ---
+    {task::fu_fs, fu_block},
 };
 
 }  // namespace tov

@@ -18,6 +18,7 @@
 namespace tov {
 
 class AHaplFreq;
+class EwensSampler;
 enum Mut_Type : int;
 class Haplo_DB;
 class TTree;
@@ -223,9 +224,12 @@ public:
                                                  double const& high, double const& x);
     int Fu_Fs(double const& theta, int const& k, double& Fs, bool verbose);
     void EW_neutrality_tests(settings& s, std::ostream& out, MY_TISArrayAsVector<AHaplFreq> const& observed);
+    /// Copies of one allele of a random configuration of k alleles among n copies, into `a` too. Draws: 1.
     int get_first_rand_freq(AHaplFreq& a, int const& k, int const& n);
-    double compute_rand_frequencies_and_F(MY_TISArrayAsVector<AHaplFreq>& ranks, double const& F_obs, double& n_F,
-                                          int*& hits, double& n_exact);
+    /// One random configuration: its ascending counts are added to the ranks, and n_F and n_exact grow when its
+    /// statistics are not above the observed ones. @return its homozygosity F. Draws: one an allele, but the last.
+    double compute_rand_frequencies_and_F(EwensSampler& sampler, MY_TISArrayAsVector<AHaplFreq>& ranks,
+                                          double const& F_obs, double& n_F, double& n_exact);
     void print_exp_freq(std::ostream& out, MY_TISArrayAsVector<AHaplFreq> const& ranks) const;
     void print_obs_hapl_freq(std::ostream& out, MY_TISArrayAsVector<AHaplFreq> const& observed) const;
     void Chakraborty_neutr_test(std::ostream& out);

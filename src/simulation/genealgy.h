@@ -189,6 +189,8 @@ public:
     int add_mutations(MutationModel const& model);
     [[nodiscard]] MutationLog const& log() const noexcept { return log_; }
     [[nodiscard]] int nb_mutations() const noexcept { return static_cast<int>(log_.events.size()); }
+    /// No mutations on any branch.
+    void clear_mutations() noexcept;
     /// Writes the `sequence` of every tip from the log.
     void write_sequences();
     /// Counts from the log, without sequences, for MUT_BINARY and MUT_NUCLEOTIDES.

@@ -271,6 +271,11 @@ int TTree::add_mutations(MutationModel const& model) {
     return MutationWalk(model, &idum, log_).run(root(), 0, nb_nodes());
 }
 
+void TTree::clear_mutations() noexcept {
+    log_.clear();
+    for (TNode& node : nodes_) node.num_mutations = 0;
+}
+
 void TTree::write_sequences() {
     if (log_.first_event.size() != static_cast<std::size_t>(nb_nodes())) return;
     std::vector<TNode const*> path;
