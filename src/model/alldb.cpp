@@ -13,8 +13,19 @@ namespace tov {
 
 namespace {
 
-// From this number of alleles on, names are looked up by hash.
-constexpr int alleles_for_hash = 12;
+// From this number of alleles on, names are looked up by hash: long names, and short ones, which a scan of words finds.
+constexpr int long_names_for_hash = 12;
+constexpr int short_names_for_hash = 64;
+
+// A name of up to eight characters as a word, never 0; 0 for any other name.
+std::uint64_t packed(std::string_view name) noexcept {
+    std::uint64_t key = 0;
+    if (name.size() > sizeof key || name.empty() || name.back() == '\0') return 0;
+    for (std::size_t i = 0; i < name.size(); ++i) {
+        key |= std::uint64_t{static_cast<unsigned char>(name[i])} << (8 * i);
+    }
+    return key;
+}
 
 }  // namespace
 
@@ -89,7 +100,7 @@ int TLocus::Add(TAllele* allele) {
 void TLocus::Flush() {
     MY_TIArrayAsVector<TAllele>::Flush();
     indexed_ = 0;
-    one_char_names_.clear();
+    keys_.clear();
     by_name_.clear();
 }
 
@@ -97,33 +108,38 @@ void TLocus::index_names() const {
     int const count = nb_alleles();
     if (indexed_ > count) {
         indexed_ = 0;
-        one_char_names_.clear();
+        keys_.clear();
         by_name_.clear();
     }
     for (; indexed_ < count; ++indexed_) {
         TAllele const* const a = allele(indexed_);
-        bool const one_char = a && a->name().length() == 1;
-        one_char_names_ += one_char ? a->name().str()[0] : '\0';
+        keys_.push_back(a ? packed(a->name().str()) : 0);
     }
-    if (count < alleles_for_hash) return;
+    if (count < long_names_for_hash) return;
     for (int i = static_cast<int>(by_name_.size()); i < count; ++i) {
         if (TAllele const* const a = allele(i)) by_name_.emplace(a->name().str(), i);
     }
 }
 
-int TLocus::find_index(std::string_view name) const {
-    if (indexed_ != nb_alleles()) index_names();
-    if (name.size() == 1 && name[0] != '\0') {
-        std::size_t const hit = one_char_names_.find(name[0]);
-        return hit == std::string::npos ? -1 : static_cast<int>(hit);
-    }
-    if (nb_alleles() >= alleles_for_hash) {
+int TLocus::find_long(std::string_view name) const {
+    if (nb_alleles() >= long_names_for_hash) {
         auto const hit = by_name_.find(std::string(name));
         return hit == by_name_.end() ? -1 : hit->second;
     }
     for (int i = 0; i < nb_alleles(); ++i) {
         TAllele const* const a = allele(i);
         if (a && a->name() == name) return i;
+    }
+    return -1;
+}
+
+int TLocus::find_index(std::string_view name) const {
+    int const count = nb_alleles();
+    if (indexed_ != count) index_names();
+    std::uint64_t const key = packed(name);
+    if (key == 0 || count >= short_names_for_hash) return find_long(name);
+    for (std::size_t i = 0; i < keys_.size(); ++i) {
+        if (keys_[i] == key) return static_cast<int>(i);
     }
     return -1;
 }
@@ -153,9 +169,7 @@ int TLocus::insert(std::string_view name, double freq, int locus_field) {
     if (index < 0) {
         index = Add(new TAllele(my_string(name), freq, locus_field)) - 1;
     } else {
-        TAllele* const known = allele(index);
-        known->freq_ += freq;
-        known->observed_ = known->observed_ || freq > 0.0;
+        allele(index)->count(freq);
     }
     return index;
 }

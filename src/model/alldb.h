@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <iosfwd>
 #include <string>
 #include <string_view>
@@ -56,6 +57,11 @@ public:
     [[nodiscard]] int pop_freq_slots() const noexcept { return static_cast<int>(pop_freq_.size()); }
     [[nodiscard]] int group_freq_slots() const noexcept { return static_cast<int>(group_freq_.size()); }
 
+    /// Adds copies of a sample to the running count.
+    void count(double copies) noexcept {
+        freq_ += copies;
+        observed_ = observed_ || copies > 0.0;
+    }
     /// Inserted with a positive count at least once; freq() alone can't tell, analyses overwrite it sample by sample.
     [[nodiscard]] bool was_observed() const noexcept { return observed_; }
     /// The locus that owns this allele, or null for an allele outside any database.
@@ -147,6 +153,7 @@ private:
     friend class TAlleleDB;
 
     [[nodiscard]] int find_index(std::string_view name) const;
+    [[nodiscard]] int find_long(std::string_view name) const;
     void index_names() const;
 
     my_string name_;
@@ -154,8 +161,8 @@ private:
     int position_ = -1;
     // Look-up caches, rebuilt when the number of alleles differs from the indexed one.
     mutable int indexed_ = 0;
-    mutable std::string one_char_names_;                 // character of each one-character name, 0 for longer names
-    mutable std::unordered_map<std::string, int> by_name_;  // used beyond a handful of alleles
+    mutable std::vector<std::uint64_t> keys_;               // short names packed into a word, 0 for long ones
+    mutable std::unordered_map<std::string, int> by_name_;  // for long names and for loci of many alleles
 };
 
 /// All alleles of a project, one TLocus a locus. Everything else borrows pointers, valid until destroy().

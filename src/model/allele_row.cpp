@@ -161,6 +161,21 @@ int AlleleRow::Add(TAllele* allele) {
     return ++size_;
 }
 
+void AlleleRow::append_ranks(TAlleleDB const& db, int locus, std::span<std::uint8_t const> ranks) {
+    if (size_ == 0) {
+        database_ = &db;
+        first_ = locus;
+        width_ = Width::byte;
+    }
+    if (width_ != Width::byte || database_ != &db || first_ + size_ != locus) {
+        for (std::uint8_t const r : ranks) Add(db(locus++, int{r}));
+        return;
+    }
+    reserve_bytes(size_ + static_cast<int>(ranks.size()));
+    std::memcpy(data() + size_, ranks.data(), ranks.size());
+    size_ += static_cast<int>(ranks.size());
+}
+
 void AlleleRow::set_allele(int p, TAllele* allele) {
     if (p < 0 || p >= size_) return;
     make_room_for(allele, p);

@@ -40,6 +40,8 @@ public:
 
     /// Appends. @return the new count.
     int Add(TAllele* allele);
+    /// Appends alleles of consecutive loci of `db`, told by their ranks there, the first at `locus`.
+    void append_ranks(TAlleleDB const& db, int locus, std::span<std::uint8_t const> ranks);
     /// Replaces the allele at p; nothing happens outside the row.
     void set_allele(int p, TAllele* allele);
     /// Exchanges the alleles that both rows hold at position p.

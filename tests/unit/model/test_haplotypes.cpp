@@ -1,6 +1,7 @@
 // Named haplotypes, their list, and the accumulator of frequencies.
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <sstream>
 
 #include "base/dmat.h"
@@ -40,6 +41,41 @@ TEST(HaploDef, EmptyPiecesBetweenSeparatorsAreSkipped) {
     EXPECT_EQ(h[0]->name(), "101");
     EXPECT_EQ(h[1]->name(), "99");
     EXPECT_EQ(h[2]->name(), "7");
+}
+
+TEST(HaploDef, AllTogetherGiveWhatEachAloneGives) {
+    std::string const letters = "ACGT?-N";
+    std::vector<HaploDef> one_by_one;
+    for (int i = 0; i < 40; ++i) {
+        std::string s;
+        for (int l = 0; l < (i == 7 ? 200 : 300); ++l) s += letters[static_cast<std::size_t>((i * l + l / 3) % 7)];
+        one_by_one.emplace_back(my_string(i), my_string(std::move(s)));
+        one_by_one.back().copies = i % 3;
+    }
+    std::vector<HaploDef> together(one_by_one);
+    std::vector<HaploDef*> list;
+    for (HaploDef& h : together) list.push_back(&h);
+    TAlleleDB a;
+    TAlleleDB b;
+    for (int round = 0; round < 2; ++round) {
+        for (HaploDef& h : one_by_one) h.build_haplovect(&a, '\0', 0, h.copies);
+        build_haplovects(list, b, '\0');
+    }
+    ASSERT_EQ(a.nb_loci(), b.nb_loci());
+    for (int l = 0; l < a.nb_loci(); ++l) {
+        ASSERT_EQ(a.locus(l)->nb_alleles(), b.locus(l)->nb_alleles()) << l;
+        for (int r = 0; r < a.locus(l)->nb_alleles(); ++r) {
+            EXPECT_EQ(a(l, r)->name(), b(l, r)->name());
+            EXPECT_EQ(a(l, r)->freq(), b(l, r)->freq());
+            EXPECT_EQ(a(l, r)->was_observed(), b(l, r)->was_observed());
+            EXPECT_EQ(b(l, r)->is_in_loci(), l);
+        }
+    }
+    for (std::size_t i = 0; i < together.size(); ++i) {
+        ASSERT_EQ(together[i].nb_loci(), one_by_one[i].nb_loci());
+        for (int l = 0; l < together[i].nb_loci(); ++l) EXPECT_EQ(together[i].rank(l), one_by_one[i].rank(l));
+        EXPECT_FALSE(together[i].narrow_ranks().empty());
+    }
 }
 
 TEST(HaploDef, SameAllelesUnderTwoIdsAreTwoDefinitionsOfTheSameContent) {

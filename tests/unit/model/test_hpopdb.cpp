@@ -1,6 +1,8 @@
 // Working pools of haplotypes.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cmath>
 #include <sstream>
 
 #include "model_fixture.h"
@@ -55,7 +57,8 @@ TEST(TPopHaploDB, LookUpSurvivesRemovalAndCopies) {
     EXPECT_EQ(texts(pool), std::vector<std::string>{"AA"});
     pool.empty();
     EXPECT_EQ(pool.nb_haplotypes(), 0);
-    EXPECT_EQ(pool.insert(data.haplotype("BB"), 1.0), &pool.haplotype(0));
+    TPopHaplotype const* const anew = pool.insert(data.haplotype("BB"), 1.0);
+    EXPECT_EQ(anew, &pool.haplotype(0));
 }
 
 TEST(TPopHaploDB, CleanWithTwoEmptiesAPoolOfFrequencies) {

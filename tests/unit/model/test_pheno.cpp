@@ -1,6 +1,7 @@
 // Phenotypes and their list.
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <sstream>
 
 #include "model_fixture.h"

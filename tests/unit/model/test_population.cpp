@@ -54,7 +54,7 @@ TEST(Population, SmallNameKeepsTheEndOfALongName) {
     EXPECT_EQ(small("Rome"), "Rome");
     EXPECT_EQ(small("Abcdefgh"), "Abcde");
     EXPECT_EQ(small("Abcdefghi"), "Abcdeghi");
-    EXPECT_EQ(small("Sample number 17"), "Sampler17");
+    EXPECT_EQ(small("Sample number 17"), "Samplr17");
     EXPECT_EQ(small(""), "");
 }
 
