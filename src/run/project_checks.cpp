@@ -37,12 +37,8 @@ bool Project::phase_known_or_haplotypic() const { return !GenotypicData || Gamet
 
 int Project::build_all_vectors(TAlleleDB& database) {
     samples_->sum_copies(*haplotypes_);
-    for (int i = 0; i < haplotypes_->size(); ++i) {
-        HaploDef& definition = (*haplotypes_)[i];
-        // The individuals of genotypic data have been counted already, chromosome by chromosome.
-        double const count = GenotypicData ? 0.0 : definition.copies;
-        definition.build_haplovect(&database, LocusSeparator, 0, count);
-    }
+    // The individuals of genotypic data have been counted already, chromosome by chromosome.
+    build_haplovects(haplotypes_->list().view(), database, LocusSeparator, !GenotypicData);
     vectorsBuilt = 1;
     return 1;
 }
