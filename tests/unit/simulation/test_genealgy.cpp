@@ -19,7 +19,7 @@ TEST(BuildTree, FollowsItsDrawsNodeByNode) {
     TTree tree;
     tree.allocate_tree(6);
     tree.build_tree();
-    EXPECT_EQ(test::draws_since(), 15);
+    EXPECT_EQ(test::draws_since_seed(), 15);
     double const times[] = {.023609719, .1491781509, .1547745861, .8463086097, 1.610295561};
     int const children[][2] = {{3, 4}, {1, 5}, {6, 2}, {7, 8}, {0, 9}};
     for (int i = 0; i < 5; ++i) {
@@ -42,7 +42,7 @@ TEST(BuildTree, OneCopyGivesOneNodeAndNoDraw) {
     EXPECT_EQ(tree.nb_nodes(), 1);
     EXPECT_EQ(&tree.root(), &tree[0]);
     EXPECT_EQ(tree[0].time, 0.0);
-    EXPECT_EQ(test::draws_since(), 0);
+    EXPECT_EQ(test::draws_since_seed(), 0);
     EXPECT_EQ(tree.compute_moments_of_coalescence_times(), 0);
 }
 
@@ -122,7 +122,7 @@ TEST(RangeExpansion, FollowsItsDrawsEventByEvent) {
     TTree tree;
     tree.allocate_tree(5);
     tree.build_tree_range_exp(0.5, 1.0);
-    EXPECT_EQ(test::draws_since(), 15);
+    EXPECT_EQ(test::draws_since_seed(), 15);
     double const times[] = {.023609719, .1000084141, .6082289456, 1.365580932};
     int const children[][2] = {{0, 3}, {5, 4}, {2, 6}, {7, 1}};
     for (int i = 0; i < 4; ++i) {

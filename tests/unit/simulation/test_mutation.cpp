@@ -48,7 +48,7 @@ using Mutations = MutatedTree;
 TEST_F(Mutations, FollowTheirDrawsEventByEvent) {
     test::seed();
     make(6, model_of(1.5, 20, MUT_NUCLEOTIDES));
-    EXPECT_EQ(test::draws_since(), 67);
+    EXPECT_EQ(test::draws_since_seed(), 67);
     int const expected[][4] = {{0, 0, 2, 1}, {0, 1, 3, 0}, {0, 2, 0, 1}, {0, 3, 2, 1},
                                {8, 4, 2, 0}, {8, 5, 2, 3}, {8, 6, 0, 3}, {2, 7, 0, 3}};
     auto const& events = tree.log().events;
@@ -79,7 +79,7 @@ TEST_F(Mutations, OfANodeAreThoseOfTheTree) {
     ASSERT_TRUE(TTree::prepare_hits(20));
     long idum = 1;
     EXPECT_EQ(tree.root().add_mutations(1.5, &idum, 0, 20, MUT_NUCLEOTIDES, 0.0, 0.33), 8);
-    EXPECT_EQ(test::draws_since(), 67);
+    EXPECT_EQ(test::draws_since_seed(), 67);
     EXPECT_EQ(test::text_of(tree[10]), "CTACCCAACTTCGACACGTG");
     EXPECT_EQ(test::text_of(tree[8]), "CTACATTACTTCGACACGTG");
     EXPECT_EQ(test::text_of(tree[2]), "CTACATTTCTTCGACACGTG");
@@ -236,7 +236,7 @@ TEST_F(Mutations, FollowTheirDrawsAfterASuddenExpansion) {
     tree.scale_to_num_generations(N);
     ASSERT_TRUE(TTree::prepare_hits(400));
     EXPECT_EQ(tree.add_mutations(model_of(mu, 400, MUT_INFINITE_ALLELES, -1.0)), 12);
-    EXPECT_EQ(test::draws_since(), 49);
+    EXPECT_EQ(test::draws_since_seed(), 49);
     tree.write_sequences();
     std::map<int, int> pairs;
     std::map<int, int> polymorphic;
@@ -260,7 +260,7 @@ TEST_F(Mutations, ZeroRateStillDrawsOnceABranch) {
     test::seed();
     make(6, model_of(0.0, 5, MUT_BINARY));
     EXPECT_EQ(tree.nb_mutations(), 0);
-    EXPECT_EQ(test::draws_since(), 15 + 10);
+    EXPECT_EQ(test::draws_since_seed(), 15 + 10);
 }
 
 TEST_F(Mutations, NoSitesMeanNoMutations) {

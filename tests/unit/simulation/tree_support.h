@@ -8,6 +8,7 @@
 
 #include "base/random.h"
 #include "simulation/genealgy.h"
+#include "support/fresh_process.h"
 
 namespace tov::test {
 
@@ -17,15 +18,11 @@ inline void seed(long s = -1) {
     random_state.ran3.seed(s);
 }
 
-/// Number of draws since seed(s): walks the same sequence until its state is that of the generator.
-inline int draws_since(long s = -1) {
-    RandomState other{};
-    other.ran3.seed(s);
-    for (int n = 0; n < 10000000; ++n) {
-        if (other.ran3.ma == random_state.ran3.ma && other.ran3.inext == random_state.ran3.inext) return n;
-        other.ran3.draw();
-    }
-    return -1;
+/// Number of draws since seed().
+inline long draws_since_seed() {
+    Ran3State start{};
+    start.seed(-1);
+    return draws_since(start);
 }
 
 inline std::string text_of(TNode const& node) {
