@@ -8,6 +8,7 @@
 
 #include "base/random.h"
 #include "base/special.h"
+#include "inference/formula/em_terms.h"
 #include "run/errors.h"
 
 namespace tov {
@@ -231,17 +232,13 @@ void TPopHaploDB::reset_homo_count() {
 // --- Frequencies of the EM ---
 
 double TPopHaploDB::assign_rand_init_freq(int const& range) {
-    long seed = 1;
-    double sum = 0.0;
-    for (TPopHaplotype* const h : view()) {
-        h->set_freq(h->has_blank() ? 1.0 : 1.0 + range * ran3(&seed));
-        sum += h->freq();
-    }
-    double smallest = std::numeric_limits<float>::max();
-    for (TPopHaplotype* const h : view()) {
-        *h /= sum;
-        h->set_old_freq(h->freq());
-        smallest = std::min(smallest, h->freq());
+    std::vector<char> blank;
+    for (TPopHaplotype const* const h : view()) blank.push_back(h->has_blank() ? 1 : 0);
+    std::vector<double> freq(blank.size());
+    double const smallest = random_frequencies(freq, blank, range);
+    for (std::size_t i = 0; i < freq.size(); ++i) {
+        view()[i]->set_freq(freq[i]);
+        view()[i]->set_old_freq(freq[i]);
     }
     return smallest;
 }

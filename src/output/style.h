@@ -60,6 +60,13 @@ private:
     return text;
 }
 
+/// `value` with six significant digits, in the shorter of fixed and scientific notation: "1e-07", "0.05", "12".
+[[nodiscard]] inline std::string general_text(double value) {
+    char digits[32];
+    auto const end = std::to_chars(digits, digits + sizeof digits, value, std::chars_format::general, 6);
+    return std::string(digits, end.ptr);
+}
+
 /// Writes `text` in a field of `width`, right or left aligned, whatever the stream's width, fill or flags are.
 inline void write_padded(std::ostream& out, std::string_view text, int width, bool left = false) {
     out.width(0);
