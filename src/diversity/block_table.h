@@ -21,6 +21,7 @@ inline constexpr BlockRow block_table[] = {
     // --- Mismatch distribution, demographic and spatial expansion ---
 
     // --- Haplotype frequencies, gametic phase ---
+    {task::haplotype_frequencies, haplotype_frequency_block},
 
     // --- Linkage disequilibrium ---
 
