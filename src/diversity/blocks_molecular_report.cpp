@@ -57,12 +57,11 @@ std::string_view method_name(TDataType type, int method) {
 
 /// Literature of the indices that the block prints for this data type and these settings.
 std::vector<std::string_view> references_of(SampleRun const& run) {
-    static constexpr std::array<std::string_view, 7> by_method = {
-        "", "jukes_cantor1969", "kimura1980", "", "tajima_nei1984", "tamura1992", "tamura_nei1993"};
     std::vector<std::string_view> tags = {"tajima1983", "tajima1993", "nei1987"};
     int const method = run.set.DistanceMethod;
-    if (run.words.type == DNA && method >= 0 && method < 7 && !by_method[static_cast<std::size_t>(method)].empty()) {
-        tags.push_back(by_method[static_cast<std::size_t>(method)]);
+    std::string_view const reference = distance_method_reference(run.words.type, method);
+    if (!reference.empty()) {
+        tags.push_back(reference);
         if (run.set.GammaAValue != 0.0 && method <= 2) {
             tags.push_back("jin_nei1990");
         }

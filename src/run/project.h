@@ -154,6 +154,8 @@ private:
     bool find_redundancy_matrix();
     [[nodiscard]] std::vector<int> redundancy_classes() const;
     void print_shared_haplotypes();
+    void print_haplotype_list();
+    void print_global_network();
 
     // Steps of explore() (project_explore.cpp).
     int explore_sub_section(std::istream& in, int id);

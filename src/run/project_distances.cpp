@@ -3,17 +3,20 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "base/dmat.h"
 #include "base/recmat.h"
 #include "base/scoped_swap.h"
 #include "diversity/popgen.h"
+#include "input/distance_names.h"
 #include "input/settings.h"
 #include "model/alldb.h"
 #include "model/hapldb.h"
 #include "model/sample.h"
 #include "output/html_out.h"
+#include "output/references.h"
 #include "output/table.h"
 #include "run/errors.h"
 #include "run/project.h"
@@ -111,9 +114,17 @@ void Project::print_distance_matrix() {
     } else {
         out << "\nDistance method: ";
         set.print_distance_method(out, set.DistanceMethodAMOVA);
+        std::string_view const reference = distance_method_reference(DataType, set.DistanceMethodAMOVA);
+        if (!reference.empty()) References(out, reference);
         out << '\n';
         lower_triangle(out, distances_->dimension(), CellValue([this](int i, int j) { return (*distances_)(i, j); }));
     }
+    print_haplotype_list();
+    if (set.PrintMinSpannNetworkGlob) print_global_network();
+}
+
+void Project::print_haplotype_list() {
+    std::ostream& out = document();
     samples_->sum_copies(*haplotypes_);
     double total = 0.0;
     for (int i = 0; i < haplotypes_->size(); ++i) total += (*haplotypes_)[i].copies;
@@ -122,19 +133,18 @@ void Project::print_distance_matrix() {
         HaploDef const& definition = (*haplotypes_)[i];
         out << user_text{definition.id, 8} << '\t' << num{total > 0.0 ? definition.copies / total : 0.0} << '\n';
     }
-    if (set.PrintMinSpannNetworkGlob != 0) print_network();
 }
 
-/// The minimum spanning network of all haplotypes, on the matrix in use.
-void Project::print_network() {
-    int const n = distances_->conventional_fst() ? haplotypes_->size() : distances_->dimension();
-    RectMat square(n, n);
-    for (int i = 0; i < n; ++i)
-        for (int j = 0; j < n; ++j) square(i, j) = (*distances_)(i, j);
+/// Minimum spanning tree and network of all haplotypes.
+void Project::print_global_network() {
+    int const n = haplotypes_->size();
+    RectMat matrix(n, n);
     std::vector<std::string> labels;
-    for (int i = 0; i < n; ++i)
-        labels.push_back(i < haplotypes_->size() ? (*haplotypes_)[i].id.str() : std::to_string(i + 1));
-    print_spanning_network(document(), square, title.str(), labels);
+    for (int i = 0; i < n; ++i) {
+        labels.push_back((*haplotypes_)[i].id.str());
+        for (int j = 0; j < i; ++j) matrix(i, j) = matrix(j, i) = (*distances_)(i, j);
+    }
+    print_spanning_network(document(), matrix, title.str(), labels);
 }
 
 /// Matrix of the redundancy search, and the row of each haplotype in it. @return  false after code 135.

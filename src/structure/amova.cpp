@@ -91,20 +91,22 @@ std::vector<int> group_sizes_of(Structure const& structure) {
 }  // namespace
 
 bool is_amova_structure(Structure const& structure) {
-    auto const refuse = [](int code) {
+    bool possible = true;
+    auto const refuse = [&possible](int code) {
         E.error(ErrorType::Warning, "Project::IsAmovaStructure()", code);
-        return false;
+        possible = false;
     };
     if (structure.nb_samples() == 0) {
-        return refuse(123);
+        refuse(123);
     }
     if (structure.nb_groups() == 0) {
-        return refuse(124);
+        refuse(124);
     }
-    if (structure.nb_groups() == structure.nb_samples() && structure.nb_groups() != 1) {
-        return refuse(125);
+    // As many groups as samples leave no degree of freedom within groups.
+    if (structure.nb_groups() == structure.nb_samples() && structure.nb_samples() > 1) {
+        refuse(125);
     }
-    return true;
+    return possible;
 }
 
 void print_amova_anchor(int level, settings const& set, std::string const& title, std::string const& anchor) {
