@@ -19,6 +19,7 @@ inline constexpr BlockRow block_table[] = {
     {task::molecular_diversity, molecular_diversity_block},
 
     // --- Mismatch distribution, demographic and spatial expansion ---
+    {task::mismatch, mismatch_block},
 
     // --- Haplotype frequencies, gametic phase ---
     {task::haplotype_frequencies, haplotype_frequency_block},
