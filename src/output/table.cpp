@@ -160,7 +160,12 @@ void number_row(std::ostream& out, std::span<double const> values, int width, in
 
 void interval_row(std::ostream& out, std::string_view text, std::initializer_list<double> values) {
     out << label{text, 27};
-    number_row(out, {values.begin(), values.size()}, 16, 3);
+    for (double const value : values) {
+        // An unbounded estimate may need more than its column; a blank keeps it apart from its neighbour.
+        std::string const digits = number_text(value, 3);
+        out << (digits.size() >= 16 ? " " : "") << label{digits, 16};
+    }
+    out << '\n';
 }
 
 void percentile_table(std::ostream& out, std::span<double const> sorted, std::span<Percentile const> rows, int width,
