@@ -40,7 +40,7 @@ EmWork work_at(EmData const& data, std::vector<double> freq) {
 }
 
 // Random phenotypes with 1 to 8 genotypes over `haplotypes` haplotypes.
-EmData random_data(std::mt19937& engine, int haplotypes, bool with_equal_pairs) {
+EmData random_phenotypes(std::mt19937& engine, int haplotypes, bool with_equal_pairs) {
     EmData data;
     data.clear(haplotypes);
     std::uniform_int_distribution<int> any(0, haplotypes - 1);
@@ -192,7 +192,7 @@ TEST(EmIteration, WithoutInbreedingTheLikelihoodNeverFallsAndEqualsItsDirectEval
     test::FreshProcess fresh;
     std::mt19937 engine(7);
     for (int sample = 0; sample < 60; ++sample) {
-        EmData const data = random_data(engine, 3 + sample % 17, sample % 2 == 1);
+        EmData const data = random_phenotypes(engine, 3 + sample % 17, sample % 2 == 1);
         EmWork work;
         em_start(data, {}, work);
         double last = impossible_ln_likelihood;
@@ -212,7 +212,7 @@ TEST(EmIteration, WithInbreedingTheLikelihoodEqualsItsDirectEvaluationAndFrequen
     test::FreshProcess fresh;
     std::mt19937 engine(11);
     for (int sample = 0; sample < 30; ++sample) {
-        EmData const data = random_data(engine, 3 + sample % 9, false);
+        EmData const data = random_phenotypes(engine, 3 + sample % 9, false);
         EmOptions const options{.inbreeding = true, .F = sample % 2 ? 0.3 : 0.0};
         EmWork work;
         em_start(data, options, work);
