@@ -11,6 +11,7 @@
 #include "output/xml.h"
 #include "run/errors.h"
 #include "structure/amova.h"
+#include "structure/diffpop.h"
 #include "structure/loc_by_loc.h"
 
 namespace tov {
@@ -129,6 +130,11 @@ void gen_struct_calculations(ProjectView const& view, StructureActions const& ac
     }
     if (set.wants(task::amova | task::pairwise_fst | task::mantel)) {
         run_variance_analyses(view);
+    }
+    if (set.wants(task::exact_test)) {
+        bool const groups = samples.pooled != 0;
+        print_js_doc_entry(set, 2, groups ? "_gr_exct_tests" : "_pop_exct_tests", "Exact tests");
+        DiffInterPop(&set, view.samples).make_all_tests();
     }
 }
 
