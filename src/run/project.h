@@ -130,6 +130,7 @@ private:
     void run_group_level();
     void run_sample_level();
     void analyse_level(LevelWords const& words);
+    void assign_genotypes();
     void analyse_samples(LevelWords const& words);
     void GenStructCalculations();
     void end_run(RunFrame& frame);

@@ -322,7 +322,10 @@ void Project::run_sample_level() {
 }
 
 void Project::analyse_level(LevelWords const& words) {
-    if (projectValid) analyse_samples(words);
+    if (projectValid) {
+        if (settings_->wants(task::genotype_assignment)) assign_genotypes();
+        analyse_samples(words);
+    }
     if (settings_->wants(task::amova | task::pairwise_fst | task::exact_test | task::mantel)) GenStructCalculations();
 }
 

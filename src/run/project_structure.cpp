@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "diversity/popgen.h"
+#include "base/scoped_swap.h"
 #include "input/settings.h"
 #include "model/hapldb.h"
 #include "model/project_view.h"
@@ -11,6 +12,7 @@
 #include "run/errors.h"
 #include "run/project.h"
 #include "structure/amova.h"
+#include "structure/assignment.h"
 #include "structure/loc_by_loc.h"
 
 namespace tov {
@@ -21,6 +23,13 @@ ProjectView view_of(Project& project) {
 }
 
 bool Project::IsAmovaStructure() const { return is_amova_structure(*structure_); }
+
+/// Individuals are taken as of unknown phase, whatever the project says.
+void Project::assign_genotypes() {
+    ScopedSwap<int> const settings_phase(settings_->GameticPhase, 0);
+    ScopedSwap<int> const samples_phase(samples_->GameticPhase, 0);
+    IndLikelihood(settings_.get(), samples_.get()).run();
+}
 
 void Project::GenStructCalculations() {
     convertMicrosatToNumberOfRepeats();
