@@ -25,8 +25,10 @@ inline constexpr BlockRow block_table[] = {
     {task::haplotype_frequencies, haplotype_frequency_block},
 
     // --- Linkage disequilibrium ---
+    {task::linkage_disequilibrium, linkage_disequilibrium_block},
 
     // --- Hardy-Weinberg equilibrium ---
+    {task::hardy_weinberg, hardy_weinberg_block},
 
     // --- Distance matrix for the structure analyses ---
     {task::pairwise_distances, distance_matrix_block},

@@ -61,14 +61,6 @@ std::vector<int> usable_loci(PopGenetics const& sample) {
     return loci;
 }
 
-bool is_missing(TAllele const* allele, char missing) {
-    if (allele == nullptr) {
-        return true;
-    }
-    std::string_view const name(allele->name());
-    return name.size() == 1 && name[0] == missing;
-}
-
 /// Allele codes of the usable loci: rank + 1, 0 for missing data.
 template <class Code>
 AlleleCodes<Code> allele_codes(PopGenetics const& sample, std::vector<int> const& loci) {

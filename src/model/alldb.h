@@ -235,6 +235,13 @@ private:
 /// Table with one column a locus and one row an allele rank, relative frequencies in percent.
 std::ostream& operator<<(std::ostream& os, TAlleleDB& database);
 
+/// No allele, or the label of missing data: the allele's whole name is the character.
+[[nodiscard]] inline bool is_missing(TAllele const* allele, char missing) {
+    if (!allele) return true;
+    std::string_view const name(allele->name());
+    return name.size() == 1 && name[0] == missing;
+}
+
 /// Entry `a` of `locus` is the blank allele of its database and was seen in no sample.
 [[nodiscard]] bool is_unused_blank(TLocus const& locus, int a);
 

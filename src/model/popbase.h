@@ -158,6 +158,13 @@ public:
     double calc_link_dis_recess(int* loci, TPhenDB const& ph, settings& s, long& stepsDone, double& chi, double& lnLD,
                                 double& lnLE, int const& maxIter, long const& steps, int const& nbInit,
                                 double const& epsilon);
+    /// The test of a pair by the one of the two above that suits the data.
+    double calc_pairwise_LD(int* loci, TPhenDB const& ph, settings& s, long& stepsDone, double& chi, double& lnLD,
+                            double& lnLE, int const& maxIter, long const& steps, int const& nbInit,
+                            double const& epsilon);
+    /// Tests all pairs silently and flags loci in selected[0 .. loci of ph - 1]. @return 1, or 0 after a stop.
+    int calc_all_pairwise_LDs(TPhenDB const& ph, settings& s, int* selected, double const& pLevel, double const& share,
+                              int const& maxIter, long const& steps, int const& nbInit, double const& epsilon);
 
     // --- Heterozygosity of genotypes (diversity) ---
     void compute_phenotype_heterozygosity(settings& s, TPhenDB const& ph);
