@@ -47,7 +47,9 @@ public:
     [[nodiscard]] double const* pop_freq() const noexcept { return pop_freq_.empty() ? nullptr : pop_freq_.data(); }
     /// TAllele::numGroup values, or null.
     [[nodiscard]] double* group_freq() noexcept { return group_freq_.empty() ? nullptr : group_freq_.data(); }
-    [[nodiscard]] double const* group_freq() const noexcept { return group_freq_.empty() ? nullptr : group_freq_.data(); }
+    [[nodiscard]] double const* group_freq() const noexcept {
+        return group_freq_.empty() ? nullptr : group_freq_.data();
+    }
     /// Releases an existing vector and allocates n zeros (n < 1 leaves null).
     void create_pop_freq(int n);
     void create_group_freq(int n);
@@ -95,8 +97,8 @@ std::ostream& operator<<(std::ostream& os, TAllele const& allele);
 
 /// The statistics of one locus that the locus-by-locus AMOVA leaves behind.
 struct LocusStatistics {
-    double mean_heterozygosity = 0.0;   ///< mean over samples
-    double mean_gene_diversity = 0.0;   ///< mean over groups
+    double mean_heterozygosity = 0.0;  ///< mean over samples
+    double mean_gene_diversity = 0.0;  ///< mean over groups
     double Va = 0.0;
     double Vb = 0.0;
     double Vc = 0.0;

@@ -24,8 +24,7 @@ std::uint64_t mix(std::uint64_t h, std::uint64_t chunk) noexcept {
 
 }  // namespace
 
-AlleleRow::AlleleRow(AlleleRow const& other)
-    : database_(other.database_), first_(other.first_), width_(other.width_) {
+AlleleRow::AlleleRow(AlleleRow const& other) : database_(other.database_), first_(other.first_), width_(other.width_) {
     reserve_bytes(other.bytes());
     std::memcpy(data(), other.data(), static_cast<std::size_t>(other.bytes()));
     size_ = other.size_;

@@ -82,7 +82,8 @@ TPopHaploDB& TPopHaploDB::operator=(TPopHaploDB const& other) {
         reference_ = std::make_unique<TPopHaplotype>(*other.reference_);
         if (other.reference_allele_) {
             reference_allele_ = std::make_unique<TAllele>(*other.reference_allele_);
-            for (int p = 0; p < reference_->nb_loci(); ++p) reference_->alleles().set_allele(p, reference_allele_.get());
+            for (int p = 0; p < reference_->nb_loci(); ++p)
+                reference_->alleles().set_allele(p, reference_allele_.get());
         }
     }
     return *this;
@@ -396,8 +397,7 @@ void TPopHaploDB::build_reference_haplotype(TAlleleDB* db, char const& missing) 
     // Entries of a locus that haplotypes can hold: the blank counts only where it was seen or put into a haplotype.
     auto const first_entry = [&](TLocus const& locus) { return !blanks_occur && is_unused_blank(locus, 0) ? 1 : 0; };
     auto const& loci = db->view();
-    if (std::none_of(loci.begin(), loci.end(),
-                     [&](TLocus const* l) { return l->nb_alleles() - first_entry(*l) >= 2; }))
+    if (std::none_of(loci.begin(), loci.end(), [&](TLocus const* l) { return l->nb_alleles() - first_entry(*l) >= 2; }))
         return;
     reference_ = std::make_unique<TPopHaplotype>();
     reference_allele_.reset();

@@ -60,10 +60,22 @@ public:
     [[nodiscard]] int nb_loci() const noexcept { return alleles_.size(); }
     [[nodiscard]] TAllele* operator[](int position) const { return alleles_[position]; }
 
-    TPopHaplotype& operator+=(double f) noexcept { freq_ += f; return *this; }
-    TPopHaplotype& operator-=(double f) noexcept { freq_ -= f; return *this; }
-    TPopHaplotype& operator/=(double f) noexcept { freq_ /= f; return *this; }
-    TPopHaplotype& operator+=(TPopHaplotype const& other) noexcept { freq_ += other.freq_; return *this; }
+    TPopHaplotype& operator+=(double f) noexcept {
+        freq_ += f;
+        return *this;
+    }
+    TPopHaplotype& operator-=(double f) noexcept {
+        freq_ -= f;
+        return *this;
+    }
+    TPopHaplotype& operator/=(double f) noexcept {
+        freq_ /= f;
+        return *this;
+    }
+    TPopHaplotype& operator+=(TPopHaplotype const& other) noexcept {
+        freq_ += other.freq_;
+        return *this;
+    }
 
     /// Same number of loci and the same allele pointer at each.
     bool operator==(TPopHaplotype const& other) const noexcept { return alleles_ == other.alleles_; }

@@ -65,7 +65,8 @@ void TPopHaploDB::print(std::ostream& os, int compact, double minFreq) {
         }
         listed_sum += h->freq();
         h->setId(++listed);
-        os << integer{listed, 5} << user_text{h->name().str(), 12, false} << num{h->freq(), 10} << num{h->sd(), 12} << '\t';
+        os << integer{listed, 5} << user_text{h->name().str(), 12, false} << num{h->freq(), 10} << num{h->sd(), 12}
+           << '\t';
         print_alleles(os, *h, compact != 0);
         os << '\n';
     }

@@ -19,7 +19,10 @@ public:
     TGenotype() = default;
     TGenotype(TPopHaplotype* first, TPopHaplotype* second) : first_(first), second_(second) {}
 
-    void put_hapl(TPopHaplotype* first, TPopHaplotype* second) noexcept { first_ = first; second_ = second; }
+    void put_hapl(TPopHaplotype* first, TPopHaplotype* second) noexcept {
+        first_ = first;
+        second_ = second;
+    }
     [[nodiscard]] TPopHaplotype* first() const noexcept { return first_; }
     [[nodiscard]] TPopHaplotype* second() const noexcept { return second_; }
     [[nodiscard]] double prob() const noexcept { return prob_; }
@@ -30,7 +33,8 @@ public:
 
     /// The same two haplotypes, in either order.
     bool operator==(TGenotype const& other) const noexcept {
-        return (first_ == other.first_ && second_ == other.second_) || (first_ == other.second_ && second_ == other.first_);
+        return (first_ == other.first_ && second_ == other.second_) ||
+               (first_ == other.second_ && second_ == other.first_);
     }
     /// Reversed: the more probable one comes first.
     bool operator<(TGenotype const& other) const noexcept { return prob_ > other.prob_; }

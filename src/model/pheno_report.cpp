@@ -48,7 +48,9 @@ void TPhenotype::printGenotypeFreqs(std::ostream& os, int const& i, double const
         g->set_prob(g->first() == g->second() ? (1.0 - F) * p * p + F * p : 2.0 * (1.0 - F) * q * p);
         phen_proba_ += g->prob();
     }
-    os << "\n================\n" << "Phenotype #" << i + 1 << '\n' << "================\n";
+    os << "\n================\n"
+       << "Phenotype #" << i + 1 << '\n'
+       << "================\n";
     os << left_label{"Name", name_.length() + 2} << label{"Abs. Freq.", 12} << label{"Rel. Freq.\n", 12};
     os << user_text{name_.str(), name_.length() + 2} << integer{static_cast<long long>(obs_count_), 7}
        << num{phen_proba_, 18} << "\n\n";
@@ -62,12 +64,14 @@ void TPhenotype::printGenotypeFreqs(std::ostream& os, int const& i, double const
 }
 
 void TPhenDB::print_all_genotypes(std::ostream& os) const {
-    os << "\n\nList of detailed genotypes" << "\n==========================\n\n";
+    os << "\n\nList of detailed genotypes"
+       << "\n==========================\n\n";
     for (TPhenotype const* const p : view()) p->print_detailed_genotypes(os);
 }
 
 void TPhenDB::printGenotypeFrequencies(std::ostream& os, double const& N) {
-    os << "\n\n-------------------------------------------" << "\nMaximum-likelihood frequencies of genotypes"
+    os << "\n\n-------------------------------------------"
+       << "\nMaximum-likelihood frequencies of genotypes"
        << "\n-------------------------------------------\n\n"
        << "(Haplotypes that are not listed above have a negative id)\n\n";
     int i = 0;
@@ -132,7 +136,8 @@ double TPhenDB::percent_correct_gametic_phase(std::ostream& os) {
         if (ok && ambiguous) correct_phases += count;
         if (!os.good()) continue;
         double const sum = summed_probability(p);
-        os << "Phenotype : " << i + 1 << " (freq: " << p.obs_count() << ")\n" << "\tCorrect genotype      : \t";
+        os << "Phenotype : " << i + 1 << " (freq: " << p.obs_count() << ")\n"
+           << "\tCorrect genotype      : \t";
         print_share(os, p.genotype(0), sum);
         os << "]\n\tMost likely genotype  : \t";
         print_share(os, *best, sum);

@@ -57,7 +57,10 @@ public:
     void set_index(int i) noexcept { index = i; }
     [[nodiscard]] double longitude() const noexcept { return longitude_; }
     [[nodiscard]] double latitude() const noexcept { return latitude_; }
-    void init_front_settings(double longitude, double latitude) noexcept { longitude_ = longitude; latitude_ = latitude; }
+    void init_front_settings(double longitude, double latitude) noexcept {
+        longitude_ = longitude;
+        latitude_ = latitude;
+    }
     [[nodiscard]] int numpop() const noexcept { return numpop_; }
     void set_numpop(int n) noexcept { numpop_ = n; }
     [[nodiscard]] int app_ling() const noexcept { return app_ling_; }
@@ -185,19 +188,19 @@ public:
     ProfileSettings profile;       ///< the sample's copy of the profile
     my_string sample_name;
     int index = -1;
-    MY_TIArrayAsVector<PHaploDef> haplotypes;   ///< owned: distinct haplotypes with their counts
-    MY_TIArrayAsVector<PHaploDef> gene_copies;  ///< owned: one entry a gene copy (genotypic data)
+    MY_TIArrayAsVector<PHaploDef> haplotypes;                         ///< owned: distinct haplotypes with their counts
+    MY_TIArrayAsVector<PHaploDef> gene_copies;                        ///< owned: one entry a gene copy (genotypic data)
     MY_TIArrayAsVector<PHaploDef>* current_haplotypes = &haplotypes;  ///< the list in use
     TPhenDB phenotypes;
     TAlleleDB* alleles = nullptr;  ///< borrowed
     TPopHaploDB pool;
-    int nb_diff_haplotypes = 0;           ///< kept by the conversions
-    int nb_original_haplotypes = 0;       ///< distinct haplotypes before those at distance zero were merged
-    double nb_gene_copies = 0.0;          ///< of the list in use, for the permutations
-    int converted = 0;                    ///< 1 after phen_to_gam
-    double degrees_of_freedom = 0.0;      ///< of the last test of linkage disequilibrium with unknown phase
-    ContingencyTable table;               ///< of the Hardy-Weinberg and linkage tests, while one runs
-    int monomorphic = 0;                  ///< the locus just tested had a single allele
+    int nb_diff_haplotypes = 0;              ///< kept by the conversions
+    int nb_original_haplotypes = 0;          ///< distinct haplotypes before those at distance zero were merged
+    double nb_gene_copies = 0.0;             ///< of the list in use, for the permutations
+    int converted = 0;                       ///< 1 after phen_to_gam
+    double degrees_of_freedom = 0.0;         ///< of the last test of linkage disequilibrium with unknown phase
+    ContingencyTable table;                  ///< of the Hardy-Weinberg and linkage tests, while one runs
+    int monomorphic = 0;                     ///< the locus just tested had a single allele
     std::vector<double> permutation_counts;  ///< copies by haplotype number
     std::vector<int> existing_haplotypes;    ///< numbers with copies
     double ssd_within = 0.0;                 ///< left by ComputeSSDWP

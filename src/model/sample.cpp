@@ -119,8 +119,8 @@ int Samples::verify_data() {
         } else {
             detach_missing_haplotypes(*population, missing);
         }
-        bool const empty = population->is_genotypic() ? population->phenotypes.IsEmpty()
-                                                      : population->haplotypes.IsEmpty();
+        bool const empty =
+            population->is_genotypic() ? population->phenotypes.IsEmpty() : population->haplotypes.IsEmpty();
         if (empty) {
             E.error(ErrorType::Error, "Samples::verify_data()", population->is_genotypic() ? 152 : 108);
             return 0;

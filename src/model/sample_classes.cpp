@@ -97,7 +97,8 @@ void Samples::IdentifyIdenticalHaplotypes(std::ostream* /*os*/, DistMat const& m
         }
         population->nb_original_haplotypes = population->haplotypes.GetItemsInContainer();
         for (int i = population->haplotypes.GetItemsInContainer() - 1; i >= 0; --i) {
-            if (population->haplotypes.view()[static_cast<std::size_t>(i)]->copies == 0) population->haplotypes.Detach(i);
+            if (population->haplotypes.view()[static_cast<std::size_t>(i)]->copies == 0)
+                population->haplotypes.Detach(i);
         }
         population->nb_diff_haplotypes = population->haplotypes.GetItemsInContainer();
     }

@@ -33,7 +33,9 @@ std::ostream& operator<<(std::ostream& os, Samples const& samples) {
     os << "\n\t[[Samples]]\n\n";
     for (Population const* const p : samples.populations.view()) {
         double const size = samples.GenotypicData ? p->sample_size() / 2.0 : p->sample_size();
-        os << "\t\tSampleName=\"" << p->pop_name() << "\"\n" << "\t\tSampleSize=" << size << '\n' << "\t\tSampleData={\n";
+        os << "\t\tSampleName=\"" << p->pop_name() << "\"\n"
+           << "\t\tSampleSize=" << size << '\n'
+           << "\t\tSampleData={\n";
         if (samples.GenotypicData) {
             write_phenotypes(os, *p);
         } else {

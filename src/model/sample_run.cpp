@@ -48,7 +48,8 @@ void Population::evaluate_work(settings* s) const {
     double const pairs = loci * (loci - 1.0) / 2.0;
     double work = 0.0;
     if (s->wants(task::haplotype_frequencies) && !phase_known()) {
-        double const starts = s->InitialConditionsEM + double{1} * s->NumBootstrapReplicatesEM * s->NumInitCondBootstrapEM;
+        double const starts =
+            s->InitialConditionsEM + double{1} * s->NumBootstrapReplicatesEM * s->NumInitCondBootstrapEM;
         if (s->em_wanted) work += 100.0 * starts;
         if (s->ComputeAllAllelesEM) work += 100.0 * starts * loci;
         if (s->ComputeAllSubHaplotypesEM) work += 100.0 * starts * pairs;

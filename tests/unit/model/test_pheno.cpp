@@ -22,7 +22,7 @@ TEST(TPhenotype, PhaseDoesNotMatterForEquality) {
     TPhenotype empty;
     empty.set_obs_freq(2.0);
     auto const other = data.phenotype("A", "A", 2.0);
-    EXPECT_TRUE(empty == *other);   // without chromosomes the counts are compared
+    EXPECT_TRUE(empty == *other);  // without chromosomes the counts are compared
     EXPECT_FALSE(*other == empty);
 }
 
@@ -123,8 +123,13 @@ TEST(TPhenDB, OneImpossiblePhenotypeMakesTheLikelihoodImpossible) {
 TEST(TPhenDB, LinkageEquilibriumLikelihoodOfTheReferenceList) {
     ModelData data;
     TPhenDB list;
-    data.fill(list, {{"AB", "AB", 6}, {"AB", "ab", 9}, {"ab", "ab", 5}, {"AB", "Ab", 3}, {"AB", "aB", 2},
-                     {"Ab", "ab", 3}, {"aB", "ab", 2}});
+    data.fill(list, {{"AB", "AB", 6},
+                     {"AB", "ab", 9},
+                     {"ab", "ab", 5},
+                     {"AB", "Ab", 3},
+                     {"AB", "aB", 2},
+                     {"Ab", "ab", 3},
+                     {"aB", "ab", 2}});
     double const n = 60.0;
     data.db(0, my_string("A"))->set_freq((12 + 9 + 6 + 2 + 3) / n);
     data.db(0, my_string("a"))->set_freq((9 + 10 + 2 + 3 + 4) / n);
@@ -259,8 +264,16 @@ TEST(HardyWeinbergStatistic, ReferenceTable) {
 TEST(HardyWeinbergStatistic, EqualPhenotypesOfSeveralEntriesCountAsOneGenotype) {
     ModelData data;
     TPhenDB list;
-    data.fill(list, {{"0", "0", 2}, {"0", "0", 3}, {"0", "1", 1}, {"1", "0", 2}, {"1", "1", 4}, {"0", "2", 6},
-                     {"2", "1", 2}, {"2", "2", 5}, {"?", "2", 9}, {"?", "?", 2}});
+    data.fill(list, {{"0", "0", 2},
+                     {"0", "0", 3},
+                     {"0", "1", 1},
+                     {"1", "0", 2},
+                     {"1", "1", 4},
+                     {"0", "2", 6},
+                     {"2", "1", 2},
+                     {"2", "2", 5},
+                     {"?", "2", 9},
+                     {"?", "?", 2}});
     int df = -1;
     EXPECT_NEAR(list.hw_chi_stat(&data.db, 0, '?', df), 6.52301276313, 1e-10);
     EXPECT_EQ(df, 3);
