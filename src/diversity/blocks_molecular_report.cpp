@@ -37,24 +37,6 @@ void append(BatchStream const& table, std::initializer_list<double> values) {
     }
 }
 
-std::string_view short_method_name(TDataType type, int method) {
-    static constexpr std::array<std::string_view, 7> dna = {"#Diff", "JC", "K2P", "%Diff", "TajNei", "Tam", "TamNei"};
-    if (type == RFLP) {
-        return method == 1 ? "%Diff" : "#Diff";
-    }
-    if (type == MICROSAT) {
-        return method == 0 ? "#Diff" : "SqDiff";
-    }
-    return type == DNA && method >= 0 && method < 7 ? dna[static_cast<std::size_t>(method)] : "#Diff";
-}
-
-std::string_view method_name(TDataType type, int method) {
-    if (type == DNA && (method < 0 || method > 6)) {
-        return "DIFF";
-    }
-    return distance_method_name(type, method);
-}
-
 /// Literature of the indices that the block prints for this data type and these settings.
 std::vector<std::string_view> references_of(SampleRun const& run) {
     std::vector<std::string_view> tags = {"tajima1983", "tajima1993", "nei1987"};
@@ -66,7 +48,12 @@ std::vector<std::string_view> references_of(SampleRun const& run) {
             tags.push_back("jin_nei1990");
         }
     }
-    int const thetas = run.set.ComputeTheta;
+    int thetas = run.set.ComputeTheta;
+    if (run.words.type == MICROSAT) {
+        thetas &= theta_bit::hom;
+    } else if (run.words.type == STANDARD) {
+        thetas &= theta_bit::hom | theta_bit::k;
+    }
     if ((thetas & theta_bit::hom) != 0) {
         tags.push_back("zouros1979");
         tags.push_back("chakraborty_weiss1991");
@@ -94,6 +81,24 @@ void print_estimate(std::ostream& out, std::string const& text, double value) {
 }
 
 }  // namespace
+
+std::string_view short_distance_title(TDataType type, int method) {
+    static constexpr std::array<std::string_view, 7> dna = {"#Diff", "JC", "K2P", "%Diff", "TajNei", "Tam", "TamNei"};
+    if (type == RFLP) {
+        return method == 1 ? "%Diff" : "#Diff";
+    }
+    if (type == MICROSAT) {
+        return method == 0 ? "#Diff" : "SqDiff";
+    }
+    return type == DNA && method >= 0 && method < 7 ? dna[static_cast<std::size_t>(method)] : "#Diff";
+}
+
+std::string_view distance_title(TDataType type, int method) {
+    if (type == DNA && (method < 0 || method > 6)) {
+        return "DIFF";
+    }
+    return distance_method_name(type, method);
+}
 
 void print_molecular_heading(SampleRun& run) {
     sample_heading(run.out, "Molecular diversity indices", run.name(), heading_length);
@@ -184,7 +189,7 @@ void print_composition(SampleRun& run, NucleotideFrequencies const& f) {
 void print_distance_choice(SampleRun& run) {
     TDataType const type = run.pop.profile.DataType;
     int const method = run.set.DistanceMethod;
-    run.out << '\n' << padded("Distance method") << ": " << method_name(type, method);
+    run.out << '\n' << padded("Distance method") << ": " << distance_title(type, method);
     double const a = run.set.GammaAValue;
     if (run.words.type == DNA) {
         run.out << gamma_note{a};
@@ -197,7 +202,7 @@ void print_distance_choice(SampleRun& run) {
         *ofs_mol_div << "none\tnone";
         return;
     }
-    *ofs_mol_div << short_method_name(type, method) << '\t';
+    *ofs_mol_div << short_distance_title(type, method) << '\t';
     if (run.words.type == DNA && a != 0.0) {
         *ofs_mol_div << a << '\t';
     } else {

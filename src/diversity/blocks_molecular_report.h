@@ -3,11 +3,17 @@
 
 #include <string_view>
 
+#include "input/profile.h"
+
 namespace tov {
 
 class SampleRun;
 struct NucleotideFrequencies;
 struct SubstitutionCounts;
+
+/// Name of a distance method in the document, and in the batch tables.
+[[nodiscard]] std::string_view distance_title(TDataType type, int method);
+[[nodiscard]] std::string_view short_distance_title(TDataType type, int method);
 
 void print_molecular_heading(SampleRun& run);
 /// Numbers of copies and haplotypes, weights, allowed level of missing data.

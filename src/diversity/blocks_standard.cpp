@@ -90,7 +90,11 @@ void standard_indices_block(SampleRun& run) {
         run.console << "\tdone !\n";
         return;
     }
-    print_references(run.out, {"nei1987"});
+    if (run.words.type == MICROSAT) {
+        print_references(run.out, {"nei1987", "garza_williamson2001"});
+    } else {
+        print_references(run.out, {"nei1987"});
+    }
     run.choose_distance(0, 0.0);
     run.ensure_checked();
     run.ensure_evaluated();
