@@ -90,7 +90,7 @@ int SampleRun::copies() const { return static_cast<int>(std::min(pop.nb_genes(),
 namespace {
 
 void print_sample_banner(SampleRun& run) {
-    run.pop.print_population_anchor(2, run.set, run.pop.pooled_group_ != 0 ? "group" : "samp");
+    run.pop.print_population_anchor(2, run.set, run.pop.pooled != 0 ? "group" : "samp");
     run.out << '\n'
             << rule{79, '='} << "\n== Sample : \t" << doc_text(run.name()) << "\n\n"
             << rule{79, '='} << "\n\n";

@@ -284,8 +284,6 @@ public:
     static MY_TArrayAsVector<char> globalSubstPolymSites;
 
     // --- Plain state ---
-    int pooled_group_ = 0;  ///< the sample is a pooled group
-
     // Sites
     int nb_loci_ = 0;
     int nb_usable_loci_ = 0;

@@ -198,6 +198,7 @@ public:
     int nb_original_haplotypes = 0;          ///< distinct haplotypes before those at distance zero were merged
     double nb_gene_copies = 0.0;             ///< of the list in use, for the permutations
     int converted = 0;                       ///< 1 after phen_to_gam
+    int pooled = 0;                          ///< the sample is a pooled group
     double degrees_of_freedom = 0.0;         ///< of the last test of linkage disequilibrium with unknown phase
     ContingencyTable table;                  ///< of the Hardy-Weinberg and linkage tests, while one runs
     int monomorphic = 0;                     ///< the locus just tested had a single allele

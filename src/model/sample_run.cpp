@@ -35,6 +35,7 @@ void Samples::compute_stuff(settings& s) {
     for (int i = 0; i < NbPopulations() && !*s.is_stop(); ++i) {
         Population& population = *(*this)[i];
         population.set_index(i);
+        population.pooled = pooled;
         population.test_methods(s);
         ++numSamplesAnalysed;
     }

@@ -2,7 +2,6 @@
 #include <string>
 #include <vector>
 
-#include "diversity/popgen.h"
 #include "base/scoped_swap.h"
 #include "input/settings.h"
 #include "model/hapldb.h"
@@ -49,7 +48,7 @@ void Project::poolSamplesInGroups(Samples const&, Structure const& inStructure, 
         pooled->set_name(("Group" + std::to_string(g + 1)).c_str());
         pooled->set_index(g);
         pooled->alleles = alleles_.get();
-        if (auto* const genetics = dynamic_cast<PopGenetics*>(pooled.get())) genetics->pooled_group_ = 1;
+        pooled->pooled = 1;
         for (int i = 0; i < inStructure.group(g).nb_samples(); ++i) *pooled += *inStructure.population(g, i);
         out.Add(pooled.release());
         outStructure.add_sample(0, out[g], g);
