@@ -35,6 +35,8 @@ void haplotype_frequency_block(SampleRun& run) {
         return;
     }
     if (run.stopped_at("Computing ML haplotype frequencies ...")) return;
+    if (run.set.GibbsInferGamPhase != 0) run.pop.comp_gam_phase_Gibbs(run.set);
+    if (run.stopped()) return;
     if (run.set.ComputeAllHaplotypesEM != 0 || run.set.ComputeAllAllelesEM != 0) run.pop.comp_gam_phase_EM(run.set);
 }
 
