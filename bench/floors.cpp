@@ -1,6 +1,10 @@
 // Plain loops that benchmarks are held against.
 #include "floors.h"
 
+#include <cmath>
+
+#include "base/random.h"
+
 namespace tov::floors {
 
 double sum_of(double const* values, std::size_t n) noexcept {
@@ -31,6 +35,32 @@ void count_different_bytes(char const* rows, std::size_t k, std::size_t n, int* 
             *counts++ = different;
         }
     }
+}
+
+double tree_draws_and_logarithms(int n) noexcept {
+    double sum = 0.0;
+    for (int i = 1; i < n; ++i) {
+        sum += std::log(1.0 - uniform());
+    }
+    for (int i = 1; i < n; ++i) {
+        sum += uniform();
+        sum += uniform();
+    }
+    return sum;
+}
+
+double draws_and_scans(int const* steps, std::size_t draws, double const* table, std::size_t size) noexcept {
+    double total = 0.0;
+    for (std::size_t d = 0; d < draws; ++d) {
+        total += uniform();
+        double sum = 0.0;
+        double const* const end = table + size;
+        for (int i = 1; i <= steps[d]; ++i) {
+            sum += end[-i] / i;
+        }
+        total += sum;
+    }
+    return total;
 }
 
 }  // namespace tov::floors

@@ -15,4 +15,13 @@ double sum_of_mt19937_64(std::mt19937_64& engine, int n) noexcept;
 /// Number of differing bytes of every pair of k rows of n bytes, row-major; the counts go to k (k - 1) / 2 ints.
 void count_different_bytes(char const* rows, std::size_t k, std::size_t n, int* counts) noexcept;
 
+/// The draws and logarithms of a coalescent tree of n tips: n - 1 of either for the times, 2 (n - 1) draws for the shape.
+double tree_draws_and_logarithms(int n) noexcept;
+
+/// A draw for each of `draws` scans, and for each of its steps a term of the table divided by the number of the step.
+///
+/// @param steps  lengths of the scans, each at most `size`.
+/// @param table  `size` terms.
+double draws_and_scans(int const* steps, std::size_t draws, double const* table, std::size_t size) noexcept;
+
 }  // namespace tov::floors

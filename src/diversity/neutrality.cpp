@@ -141,11 +141,9 @@ double PopGenetics::compute_rand_frequencies_and_F(EwensSampler& sampler, MY_TIS
         records[i]->sq_frequency += count * count;
     }
     double const F = sampler.homozygosity(counts);
-    if (F <= F_obs) {
-        n_F += 1.0;
-    }
-    if (exact_neutr_test_ && sampler.exact_statistic(counts) <= obs_exact_statistic_) {
-        n_exact += 1.0;
+    n_F += F <= F_obs ? 1.0 : 0.0;
+    if (exact_neutr_test_) {
+        n_exact += sampler.exact_statistic(counts) <= obs_exact_statistic_ ? 1.0 : 0.0;
     }
     return F;
 }

@@ -23,17 +23,22 @@ int scan(double target, int limit, Term&& term) noexcept {
     return i;
 }
 
-/// Ascending order; insertion as long as there are few counts.
+/// Ascending order. The few counts of most samples are sorted without a branch on their values.
 void sort_counts(std::vector<int>& counts) noexcept {
-    if (counts.size() > 40) {
+    if (counts.size() > 24) {
         std::sort(counts.begin(), counts.end());
         return;
     }
-    for (std::size_t i = 1; i < counts.size(); ++i) {
-        int const x = counts[i];
-        std::size_t j = i;
-        for (; j > 0 && counts[j - 1] > x; --j) counts[j] = counts[j - 1];
-        counts[j] = x;
+    int* const c = counts.data();
+    std::size_t const k = counts.size();
+    for (std::size_t i = 1; i < k; ++i) {
+        int largest = c[i];
+        for (std::size_t j = 0; j < i; ++j) {
+            int const x = c[j];
+            c[j] = x < largest ? x : largest;
+            largest = x < largest ? largest : x;
+        }
+        c[i] = largest;
     }
 }
 
@@ -90,11 +95,16 @@ double EwensSampler::homozygosity(std::span<int const> counts) const noexcept {
 }
 
 double EwensSampler::exact_statistic(std::span<int const> counts) const noexcept {
+    double before = 0.0;  // the sum over smaller counts
     double e = 0.0;
-    for (std::size_t i = 0; i < counts.size();) {
-        std::size_t const first = i;
-        while (i < counts.size() && counts[i] == counts[first]) ++i;
-        e -= static_cast<double>(i - first) * logs_[static_cast<std::size_t>(counts[first])];
+    double equal = 0.0;  // alleles with the present count so far
+    int last = -1;
+    for (int const count : counts) {
+        bool const again = count == last;
+        before = again ? before : e;
+        equal = again ? equal + 1.0 : 1.0;
+        e = before - equal * logs_[static_cast<std::size_t>(count)];
+        last = count;
     }
     return e;
 }
