@@ -1,6 +1,7 @@
 // The generator's seeding, and the deviates drawn from it.
 #include "base/random.h"
 
+#include <algorithm>
 #include <chrono>
 #include <cmath>
 #include <fstream>
@@ -62,6 +63,25 @@ void Ran3State::seed(long idum) noexcept {
     }
     inext = 0;
     inextp = 31;
+}
+
+void Ran3State::draw(std::span<double> out) noexcept {
+    constexpr std::size_t lag = 24;  // entries of a block neither wrap around nor depend on each other
+    while (!out.empty()) {
+        auto const first = static_cast<std::size_t>(inext % 55);
+        auto const second = static_cast<std::size_t>(inextp % 55);
+        std::size_t const n = std::min({55 - first, 55 - second, lag, out.size()});
+        std::int32_t* const a = ma.data() + first + 1;
+        std::int32_t const* const b = ma.data() + second + 1;
+        for (std::size_t i = 0; i < n; ++i) {
+            std::int32_t const difference = a[i] - b[i];
+            a[i] = difference < 0 ? difference + MBIG : difference;
+            out[i] = a[i] * FAC;
+        }
+        inext = static_cast<std::int32_t>(first + n);
+        inextp = static_cast<std::int32_t>(second + n);
+        out = out.subspan(n);
+    }
 }
 
 void Ran3State::report_strange(double value) noexcept { std::cout << " ** strange ran3:" << value << std::endl; }

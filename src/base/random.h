@@ -38,6 +38,9 @@ struct Ran3State {
         return value;
     }
 
+    /// The next out.size() numbers, as so many calls of draw() give them.
+    void draw(std::span<double> out) noexcept;
+
 private:
     static void report_strange(double value) noexcept;
 };

@@ -1,5 +1,6 @@
 // Mutations on the branches of a tree, and the states and counts that follow from them.
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <limits>
 #include <ostream>
@@ -18,6 +19,19 @@ namespace {
 int stepped(int state, long long steps) noexcept {
     long long const x = state + steps;
     return static_cast<int>(std::clamp<long long>(x, std::numeric_limits<int>::min(), std::numeric_limits<int>::max()));
+}
+
+/// Random nucleotides. Draws: one each.
+void draw_nucleotides(std::vector<int>& states) {
+    if (states.empty()) return;
+    states[0] = static_cast<int>(4.0 * uniform());  // seeds a generator that isn't yet
+    std::array<double, 96> draws;
+    for (std::size_t done = 1; done < states.size();) {
+        std::size_t const n = std::min(draws.size(), states.size() - done);
+        random_state.ran3.draw(std::span(draws.data(), n));
+        for (std::size_t i = 0; i < n; ++i) states[done + i] = static_cast<int>(4.0 * draws[i]);
+        done += n;
+    }
 }
 
 /// The walk over a subtree in pre-order. One row of states is carried along: a node's changes are made on entry and
@@ -69,7 +83,7 @@ private:
                 log_.root[i] = static_cast<int>(i) < start.size() ? start[static_cast<int>(i)] : 0;
             }
         } else if (model_.type == MUT_NUCLEOTIDES) {
-            for (int& state : log_.root) state = static_cast<int>(4.0 * uniform());
+            draw_nucleotides(log_.root);
         } else {
             std::fill(log_.root.begin(), log_.root.end(), 0);
         }

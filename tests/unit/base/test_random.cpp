@@ -6,6 +6,7 @@
 #include <limits>
 #include <numeric>
 #include <set>
+#include <vector>
 
 #include "base/random.h"
 #include "support/fresh_process.h"
@@ -38,6 +39,18 @@ TEST(Ran3, FirstCallSeedsItselfFromWhatItIsHanded) {
     idum = 77;
     EXPECT_DOUBLE_EQ(0.715119168, ran3(&idum)) << "a positive value doesn't reseed";
     EXPECT_EQ(77, idum);
+}
+
+TEST(Ran3, ManyNumbersAtOnceAreThoseOfSingleDraws) {
+    Ran3State one;
+    one.seed(-1);
+    Ran3State many = one;
+    for (std::size_t const n : {1U, 5U, 23U, 24U, 25U, 0U, 54U, 55U, 56U, 300U, 1U}) {
+        std::vector<double> numbers(n);
+        many.draw(numbers);
+        for (double const x : numbers) ASSERT_EQ(x, one.draw());
+        ASSERT_EQ(many.draw(), one.draw());
+    }
 }
 
 TEST(Ran3, ValuesStayInTheHalfOpenUnitIntervalForManySeeds) {
