@@ -38,7 +38,7 @@ private:
     bool read_line(my_string const& text);
     bool read_haplotype_line(my_string const& text, bool& mine);
     bool read_matrix_line(my_string const& text, bool& mine);
-    bool read_section_line(my_string const& text, bool& mine);
+    bool read_later_section(my_string const& text);
     bool read_haplotype_list(my_string const& text);
     bool read_matrix_size(my_string const& text);
     bool read_label_position(my_string const& text);
@@ -76,6 +76,8 @@ bool ProjectReader::read() {
 
 bool ProjectReader::read_line(my_string const& text) {
     if (trimmed(text).empty()) return true;
+    // Once the samples are there, no key may change what they were read with.
+    if (seen.samples) return read_later_section(text);
     if (contains_word(text, "[PROFILE]")) seen.profile = true;
     KeyResult const key = read_profile_line(parts_.profile, seen, text, line_);
     if (key != KeyResult::not_mine) return key == KeyResult::done;
@@ -86,7 +88,9 @@ bool ProjectReader::read_line(my_string const& text) {
     bool mine = false;
     if (!read_haplotype_line(text, mine)) return false;
     if (!mine && !read_matrix_line(text, mine)) return false;
-    return mine || read_section_line(text, mine);
+    if (mine) return true;
+    if (contains_word(text, "[SAMPLES]")) return read_samples();
+    return read_later_section(text);
 }
 
 /// Tells in the log that a word stands too early. @return `met`.
@@ -254,19 +258,16 @@ bool ProjectReader::samples_first(char const* section) const {
     return false;
 }
 
-bool ProjectReader::read_section_line(my_string const& text, bool& mine) {
-    mine = true;
-    if (contains_word(text, "[SAMPLES]"))
-        return follows(seen.data, " : Samples keyword declared before the beginning of the 'Data' section..., "
-                                  "aborting project reading!\n") &&
-               read_samples();
+bool ProjectReader::read_later_section(my_string const& text) {
     if (contains_word(text, "[STRUCTURE]")) return samples_first("[STRUCTURE]") && read_structure();
     if (contains_word(text, "[MANTEL]")) return samples_first("[MANTEL]") && read_mantel();
-    mine = false;
     return true;
 }
 
 bool ProjectReader::read_samples() {
+    if (!follows(seen.data, " : Samples keyword declared before the beginning of the 'Data' section..., "
+                            "aborting project reading!\n"))
+        return false;
     seen.samples = true;
     ProfileSettings& profile = parts_.profile;
     if (profile.DataType == FREQUENCY && profile.GenotypicData) {

@@ -366,6 +366,16 @@ TEST(Project, AMatrixBehindTheSamplesIsPassedOver) {
     EXPECT_EQ(t.distances.nb_labels, 0);
 }
 
+TEST(Project, NoKeyChangesWhatTheSamplesWereReadWith) {
+    ProjectText const t(profile_text("DNA", 1) + "[[Samples]]\n" + sample_text("a", "1", "H1 1 A\n") +
+                        "[[Structure]] Title=\"x\"\nNbGroups=1\nGroup={\"a\"}\n[[Mantel]] [Samples] DataType=RFLP\n");
+    EXPECT_EQ(t.result, 0);  // the Mantel section is empty
+    EXPECT_EQ(t.profile.title, "t");
+    EXPECT_EQ(t.profile.DataType, DNA);
+    EXPECT_EQ(t.samples.NbPopulations(), 1);
+    EXPECT_EQ(t.structure.population(0, 0), t.samples[0]);
+}
+
 TEST(Project, CarriageReturnsAndALastLineWithoutNewline) {
     std::string text = with_key("Title=\"x\"");
     std::string crlf;
