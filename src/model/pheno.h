@@ -13,6 +13,9 @@
 
 namespace tov {
 
+/// Genotypes that one list of phenotypes may have in an estimation: what fits into memory with its haplotypes.
+inline constexpr std::int64_t most_genotypes = std::int64_t{1} << 23;
+
 /// One resolved pair of haplotypes of a phenotype. The haplotypes are borrowed from a pool.
 class TGenotype {
 public:
@@ -121,6 +124,7 @@ public:
     void build_genotypes(TPopHaploDB& target, TAlleleDB* db, int const& recessive, bool useTempPosition);
     /// The same enumeration, restricted to pairs whose parts at the flagged loci are in `previous` with a frequency
     /// above the threshold. Reads the number of heterozygous loci from its field. May leave no genotype at all.
+    /// Errors: more than most_genotypes report code 114; no genotypes then.
     void build_compatible_genotypes(TPopHaploDB& previous, int* flags, TPopHaploDB& target, TAlleleDB* db,
                                     int const& recessive, double const& threshold);
 

@@ -262,12 +262,11 @@ private:
 };
 
 // Every known setting of the old bits with every setting of the new ones, ascending.
-std::vector<Counter> extended_counters(EarlierPart const& part) {
+std::vector<Counter> extended_counters(std::vector<Counter> const& known, std::vector<std::size_t> const& bits) {
     std::vector<Counter> counters;
-    std::vector<std::size_t> const& bits = part.new_bits();
-    for (Counter const& known : part.known_assignments()) {
+    for (Counter const& old : known) {
         for (std::uint64_t subset = 0; subset < (std::uint64_t{1} << bits.size()); ++subset) {
-            counters.push_back(known);
+            counters.push_back(old);
             for (std::size_t i = 0; i < bits.size(); ++i) counters.back().set(bits[i], (subset >> i & 1U) != 0);
         }
     }
@@ -290,14 +289,16 @@ void TPhenotype::build_compatible_genotypes(TPopHaploDB& previous, int* flags, T
         e.may_repeat = true;
     }
     EarlierPart const part(*this, flags, e.switches, previous, threshold);
-    if (part.new_bits().size() > largest_counter) {
+    std::vector<Counter> const known = part.known_assignments();
+    if (part.new_bits().size() > largest_counter ||
+        static_cast<std::int64_t>(known.size()) > most_genotypes >> part.new_bits().size()) {
         E.error(ErrorType::Error, "TPhenotype::build_compatible_genotypes()", 114);
         return;
     }
     // Bits that change nothing repeat each candidate; their weight is added at once.
     e.weight = std::ldexp(1.0, static_cast<int>(part.idle_bits()));
     Counter set_now(e.switches.size());
-    for (Counter const& counter : extended_counters(part)) {
+    for (Counter const& counter : extended_counters(known, part.new_bits())) {
         for (std::size_t b = 0; b < e.switches.size(); ++b) {
             if (counter.test(b) != set_now.test(b)) e.toggle(b, counter.test(b), *pseudo_[1]);
         }
