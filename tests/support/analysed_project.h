@@ -8,6 +8,7 @@
 #include "diversity/popgen.h"
 #include "input/settings.h"
 #include "model/alldb.h"
+#include "output/glbobj.h"
 #include "support/project_text.h"
 
 namespace tov::test {
@@ -22,6 +23,7 @@ inline std::vector<int>& reported_codes() {
 class AnalysedProject {
 public:
     explicit AnalysedProject(std::string const& text, bool genotypes_to_haplotypes = false) : project(text) {
+        initialize_tovenia_global_objects();
         reported_codes().clear();
         Errors::ErrorProc = [](ErrorType, my_string const&, int code) { reported_codes().push_back(code); };
         set.set_ofs(&document_);
