@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "base/arrays.h"
+#include "simulation/demes.h"
 #include "simulation/mutation.h"
 
 namespace tov {
@@ -167,6 +168,38 @@ public:
     /// Draws: per event the time, before tau its kind, then one pick for a migrant or two for a coalescence; the event
     /// that reaches tau spends its time alone.
     void build_tree_range_exp(double const& tau, double const& m);
+
+    // --- Island models (struct_sim.cpp) ---
+    /// n demes for islands, n squared on a square of stepping stones; 0 does nothing.
+    void createDemes(MigrationModel model, int const& n);
+    /// Groups of `demes_per_group` islands, numbered group by group.
+    void createDemes(MigrationModel model, int demes_per_group, int groups);
+    /// Puts the tips, in their order, into a random deme for each sample. With fewer demes than samples there will be
+    /// samples + 20. Draws: 1 a sample.
+    void createInitialNodes(SampledCopies const& sampled, int demes);
+    /// The same within a simulated group for each group of samples. Fewer demes a group than a group has samples become
+    /// that + 20. Draws: per group 1 for the simulated group, then 1 a sample for the deme.
+    void createInitialNodes(SampledCopies const& sampled, int demes_per_group, int groups);
+    /// Genealogy of the samples under an island model at equilibrium with FST; a time unit is the size of a deme.
+    ///
+    /// Draws: createInitialNodes, then per event the time, its kind, and those of the event.
+    /// @return 1, or 0 (with a line on the console) without demes, for FST <= 0 or when lineages can't meet.
+    int build_tree_struct_pop(SampledCopies const& sampled, double const& Fst, int demes);
+    /// The same under a hierarchical island model with FST and FCT.
+    int build_tree_struct_pop(SampledCopies const& sampled, double const& Fst, double const& Fct, int demes_per_group,
+                              int groups);
+    /// Joins two lineages of one deme at time t. Draws: 3, deme, left and right pick.
+    void coalesceWithinAPop(double const& t);
+    /// Moves a lineage to another deme. Draws: the lineage, then targets until one isn't the source.
+    void sendMigrant();
+    /// The same with groups. Draws: the kind, the lineage, then within a group demes until one isn't the source, or
+    /// groups until one isn't the source's and one more.
+    /// kept on purpose: a migrant from another group always enters the first deme of its new group.
+    void sendMigrant2Levels(int demes_per_group, int groups, double m_within, double m_between);
+    /// Ready for the next locus: no lineage in any deme.
+    void cleanDemes() noexcept { demes_.clean(); }
+    [[nodiscard]] DemeLineages const& demes() const noexcept { return demes_; }
+
     /// Internal nodes above t: time = (time - t) factor + t.
     void bottleneck(double t, double factor);
     /// Multiplies the times of the internal nodes.
@@ -222,7 +255,10 @@ private:
     TListNode away_;
     MutationLog log_;
     BranchList branches_;
+    DemeLineages demes_;
 
+    void start_structured(SampledCopies const& sampled);
+    int run_islands(MigrationRates const& rates, bool two_levels);
     [[nodiscard]] int label_tips();
     [[nodiscard]] int compare_labelled_tips();
     void count_states(SiteStatistics& statistics);

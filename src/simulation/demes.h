@@ -1,0 +1,106 @@
+// Lineages of a genealogy in the demes of an island model, while the genealogy is being built.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <vector>
+
+namespace tov {
+
+/// How migrants choose their target. Only the islands are served.
+enum MigrationModel : int { ISLAND = 0, STEPPING_STONE = 1 };
+
+/// Gene copies of the samples to simulate: one entry a sample, group after group.
+struct SampledCopies {
+    std::vector<int> copies;
+    std::vector<int> group_sizes;  ///< samples of each group; a flat model needs none
+
+    [[nodiscard]] int total() const noexcept;
+};
+
+/// Migration rates per lineage and generation of an island model that reaches given F-statistics at equilibrium.
+///
+/// Flat: m = (d - 1) (1 / FST - 1) / (2 N d), exact for FST = 1 - T0 / T1 (Slatkin 1991).
+struct MigrationRates {
+    double within = 0.0;   ///< to another deme (of the same group)
+    double between = 0.0;  ///< to a deme of another group
+    [[nodiscard]] double total() const noexcept { return within + between; }
+};
+
+/// Coalescent scale of the island models: the size of a deme.
+inline constexpr double deme_size = 1000.0;
+
+/// @param demes  islands, at least 1. @param Fst  in (0, 1].
+[[nodiscard]] MigrationRates flat_island_rates(double Fst, int demes) noexcept;
+/// Groups of demes: x = 1 - (1 - FST) / (1 - FCT) is FSC; values of FCT and x that no model reaches count as 0.001.
+///
+/// m_within = (s - 1) (1 / x - 1) / (2 s N), m_between = (g - 1) (1 - FCT) x m_within / ((s - 1) g FCT).
+[[nodiscard]] MigrationRates two_level_island_rates(double Fst, double Fct, int demes_per_group, int groups) noexcept;
+
+/// Which lineages are in which deme. Lineages are node numbers; the coalescence rate of a deme with c of them is
+/// c (c - 1) / 2. All rates are sums of whole numbers and exact.
+class DemeLineages {
+public:
+    /// A lineage on the move.
+    struct Place {
+        int slot;      ///< of the deme in the list of occupied ones
+        int position;  ///< of the lineage in its deme
+    };
+
+    /// d demes in groups of `per_group`; the same shape as before only empties them.
+    void create(int d, int per_group);
+    /// No lineage anywhere; the memory stays.
+    void clean() noexcept;
+
+    [[nodiscard]] int demes() const noexcept { return static_cast<int>(lineages_.size()); }
+    [[nodiscard]] int per_group() const noexcept { return per_group_; }
+    [[nodiscard]] int groups() const noexcept { return static_cast<int>(first_of_group_.size()); }
+    [[nodiscard]] int active() const noexcept { return active_; }
+    [[nodiscard]] int occupied() const noexcept { return static_cast<int>(occupied_.size()); }
+    [[nodiscard]] int count(int deme) const noexcept { return static_cast<int>(lineages_[index(deme)].size()); }
+    [[nodiscard]] int count_in_group(int group) const noexcept { return group_counts_[index(group)]; }
+    [[nodiscard]] std::span<int const> lineages(int deme) const noexcept { return lineages_[index(deme)]; }
+    [[nodiscard]] int group_of(int deme) const noexcept { return group_of_[index(deme)]; }
+    [[nodiscard]] int first_of_group(int group) const noexcept { return first_of_group_[index(group)]; }
+    [[nodiscard]] int deme_at(int slot) const noexcept { return occupied_[index(slot)]; }
+    /// Total coalescence rate.
+    [[nodiscard]] double coalescence_rate() const noexcept { return static_cast<double>(pairs_); }
+
+    /// Lineages first .. first + n - 1 enter an empty deme.
+    void settle(int deme, int first, int n);
+
+    /// First occupied deme at which the summed coalescence rates reach v; its rate is above 0. @return its slot, -1
+    /// when no deme has two lineages.
+    [[nodiscard]] int slot_of_rate(double v) const noexcept;
+    /// The j-th lineage, counted through the occupied demes in their order.
+    [[nodiscard]] Place place_of(int j) const noexcept;
+
+    /// Two lineages of the deme in `slot` join: `node` takes the place of the second one.
+    struct Pair {
+        int left;
+        int right;
+    };
+    /// @param left   position of the first pick; the last lineage fills its place.
+    /// @param right  position of the second pick among the others.
+    Pair coalesce(int slot, int left, int right, int node) noexcept;
+    /// Moves a lineage to another deme; a deme left empty is no longer occupied, the last one takes its slot.
+    void move(Place const& from, int target);
+
+private:
+    static std::size_t index(int i) noexcept { return static_cast<std::size_t>(i); }
+    static std::int64_t pairs_of(std::int64_t c) noexcept { return c * (c - 1) / 2; }
+    void add_lineage(int deme, int lineage);
+
+    int per_group_ = 0;
+    std::vector<std::vector<int>> lineages_;  ///< by deme
+    std::vector<int> occupied_;               ///< demes with lineages, in the order of their first one
+    std::vector<int> occupied_counts_;        ///< lineages, by slot
+    std::vector<int> slot_;                   ///< by deme, valid while occupied
+    std::vector<int> group_of_;               ///< by deme
+    std::vector<int> first_of_group_;
+    std::vector<int> group_counts_;  ///< lineages, by group
+    std::int64_t pairs_ = 0;
+    int active_ = 0;
+};
+
+}  // namespace tov

@@ -1,0 +1,274 @@
+// Genealogies under island models, and the simulation of a locus on them.
+#include "simulation/struct_sim.h"
+
+#include <algorithm>
+#include <cmath>
+#include <iostream>
+#include <numeric>
+
+#include "base/random.h"
+#include "run/errors.h"
+
+namespace tov {
+
+namespace {
+
+constexpr int spare_demes = 20;
+constexpr long long most_demes = 10000000;  // more would only fill the memory
+
+int truncated(double x) noexcept { return static_cast<int>(x); }
+
+/// Draws numbers 0 .. n-1 without replacement; the last one fills the hole. Draws: 1 each.
+class Urn {
+public:
+    explicit Urn(int n) : left_(static_cast<std::size_t>(n)) { std::iota(left_.begin(), left_.end(), 0); }
+    int draw() {
+        auto const j = static_cast<std::size_t>(uniform() * static_cast<double>(left_.size()));
+        int const drawn = left_[j];
+        left_[j] = left_.back();
+        left_.pop_back();
+        return drawn;
+    }
+
+private:
+    std::vector<int> left_;
+};
+
+int cannot_build() {
+    std::cout << "\tTTree::build_tree_struct_pop(): unable to build Tree\n";
+    return 0;
+}
+
+}  // namespace
+
+// --- TTree: demes ---
+
+void TTree::createDemes(MigrationModel model, int const& n) {
+    if (n == 0) return;
+    int const d = model == ISLAND ? n : model == STEPPING_STONE ? n * n : 0;
+    demes_.create(d, std::max(1, d));
+}
+
+void TTree::createDemes(MigrationModel model, int demes_per_group, int groups) {
+    if (model != ISLAND) return;
+    demes_.create(demes_per_group * groups, demes_per_group);
+}
+
+void TTree::start_structured(SampledCopies const& sampled) {
+    TNode::reset_node_count();
+    TNode::hits.Flush();
+    set_sample_size(sampled.total());
+    active_.start(sample_size(), nodes_.data());
+}
+
+void TTree::createInitialNodes(SampledCopies const& sampled, int demes) {
+    int const samples = static_cast<int>(sampled.copies.size());
+    createDemes(ISLAND, demes < samples ? samples + spare_demes : demes);
+    demes_.clean();
+    start_structured(sampled);
+    Urn urn(demes_.demes());
+    int first = 0;
+    for (int const copies : sampled.copies) {
+        demes_.settle(urn.draw(), first, copies);
+        first += copies;
+    }
+}
+
+void TTree::createInitialNodes(SampledCopies const& sampled, int demes_per_group, int groups) {
+    int const real_groups = static_cast<int>(sampled.group_sizes.size());
+    int const largest = real_groups > 0 ? *std::max_element(sampled.group_sizes.begin(), sampled.group_sizes.end()) : 0;
+    int const s = demes_per_group < largest ? largest + spare_demes : demes_per_group;
+    createDemes(ISLAND, s, std::max(groups, real_groups));
+    demes_.clean();
+    start_structured(sampled);
+    Urn groups_left(demes_.groups());
+    int first = 0;
+    std::size_t sample = 0;
+    for (int const samples : sampled.group_sizes) {
+        int const base = demes_.first_of_group(groups_left.draw());
+        Urn demes_left(s);
+        for (int i = 0; i < samples; ++i, ++sample) {
+            demes_.settle(base + demes_left.draw(), first, sampled.copies[sample]);
+            first += sampled.copies[sample];
+        }
+    }
+}
+
+// --- TTree: events ---
+
+void TTree::coalesceWithinAPop(double const& t) {
+    int const slot = demes_.slot_of_rate(uniform() * demes_.coalescence_rate());
+    if (slot < 0) return;
+    int const id = 2 * sample_size() - demes_.active();
+    int const c = demes_.count(demes_.deme_at(slot));
+    int const left = truncated(c * uniform());
+    int const right = truncated((c - 1) * uniform());
+    DemeLineages::Pair const pair = demes_.coalesce(slot, left, right, id);
+    TNode& node = (*this)[id];
+    node.time = t;
+    node.left = &(*this)[pair.left];
+    node.right = &(*this)[pair.right];
+    node.left->ancestor = &node;
+    node.right->ancestor = &node;
+}
+
+void TTree::sendMigrant() {
+    int const d = demes_.demes();
+    if (d < 2 || demes_.active() == 0) return;
+    DemeLineages::Place const from = demes_.place_of(truncated(demes_.active() * uniform()));
+    int const source = demes_.deme_at(from.slot);
+    int target = source;
+    while (target == source) target = truncated(uniform() * d);
+    demes_.move(from, target);
+}
+
+void TTree::sendMigrant2Levels(int demes_per_group, int groups, double m_within, double m_between) {
+    double const m = m_within + m_between;
+    if (m == 0.0 || demes_.active() == 0) return;
+    bool const between = m_within / m <= uniform();
+    if (between ? groups < 2 : demes_per_group < 2) return;
+    DemeLineages::Place const from = demes_.place_of(truncated(demes_.active() * uniform()));
+    int const source = demes_.deme_at(from.slot);
+    int const group = demes_.group_of(source);
+    if (between) {
+        int target = group;
+        while (target == group) target = truncated(uniform() * groups);
+        // kept on purpose: the truncation comes before the product, so that the deme is always the group's first one.
+        int const deme = truncated(uniform()) * demes_per_group;
+        demes_.move(from, demes_.first_of_group(target) + deme);
+    } else {
+        int const base = demes_.first_of_group(group);
+        int target = source;
+        while (target == source) target = base + truncated(uniform() * demes_per_group);
+        demes_.move(from, target);
+    }
+}
+
+int TTree::run_islands(MigrationRates const& rates, bool two_levels) {
+    double const m = rates.total();
+    int const s = demes_.per_group();
+    int const g = demes_.groups();
+    double t = 0.0;
+    while (demes_.active() > 1) {
+        double const coalescence = demes_.coalescence_rate();
+        double const R = coalescence + demes_.active() * m * deme_size;
+        if (!(R > 0.0) || !std::isfinite(R)) return 0;
+        t += -std::log(1.0 - uniform()) / R;
+        if (uniform() * R < coalescence) {
+            coalesceWithinAPop(t);
+        } else if (two_levels) {
+            sendMigrant2Levels(s, g, rates.within, rates.between);
+        } else {
+            sendMigrant();
+        }
+    }
+    if (sample_size() > 0) root().ancestor = nullptr;
+    return 1;
+}
+
+// --- TTree: models ---
+
+int TTree::build_tree_struct_pop(SampledCopies const& sampled, double const& Fst, int demes) {
+    if (sampled.total() < 1 || demes > most_demes) return cannot_build();
+    createInitialNodes(sampled, demes);
+    if (demes < 1 || !(Fst > 0.0)) return cannot_build();
+    return run_islands(flat_island_rates(Fst, demes_.demes()), false) ? 1 : cannot_build();
+}
+
+int TTree::build_tree_struct_pop(SampledCopies const& sampled, double const& Fst, double const& Fct,
+                                 int demes_per_group, int groups) {
+    if (sampled.total() < 1 || demes_per_group < 1 || groups < 1) return cannot_build();
+    if (static_cast<long long>(demes_per_group) * groups > most_demes) return cannot_build();
+    createInitialNodes(sampled, demes_per_group, groups);
+    MigrationRates const rates = two_level_island_rates(Fst, Fct, demes_.per_group(), demes_.groups());
+    return run_islands(rates, true) ? 1 : cannot_build();
+}
+
+// --- LocusSimulator ---
+
+int LocusSimulator::build_tree(IslandModel const& model) {
+    if (model.two_levels) {
+        return tree_.build_tree_struct_pop(sampled_, model.Fst, model.Fct, model.demes, model.groups);
+    }
+    return tree_.build_tree_struct_pop(sampled_, model.Fst, model.demes);
+}
+
+bool LocusSimulator::simulateSample(IslandModel const& model, LocusMutation const& mutation) {
+    mutations_ = 0;
+    states_.clear();
+    bool const built = build_tree(model) != 0;
+    if (built) {
+        sprinkle_mutations(mutation);
+    } else {
+        std::cout << "\tProject::simulateSample(): Unable to simulate samples\n";
+    }
+    tree_.cleanDemes();
+    return built;
+}
+
+int LocusSimulator::sprinkle_mutations(LocusMutation const& mutation) {
+    constexpr int sites = 1;
+    mutations_ = 0;
+    states_.assign(static_cast<std::size_t>(tree_.nb_nodes()), 0);
+    if (!TTree::prepare_hits(sites)) {
+        E.error(ErrorType::Warning, "Samples::sprinkle_mutations()", 177);
+        tree_.clear_mutations();
+        return 0;
+    }
+    if (has_state_characters(mutation.type)) return mutations_ = place_snp(mutation);
+    MutationModel model;
+    model.mu = mutation.theta / 2.0;
+    model.sites = sites;
+    model.type = mutation.type;
+    model.transition_share = 1.0 / 3.0;
+    model.allele_steps = true;
+    model.constrained = mutation.constrained;
+    mutations_ = tree_.add_mutations(model);
+    states_from_mutations();
+    return mutations_;
+}
+
+int LocusSimulator::place_snp(LocusMutation const& mutation) {
+    tree_.count_descendants();
+    tree_.flush_branches();
+    int new_state = 0;
+    TNode const* node = tree_.getRootNodeForMutation(0, mutation.least_derived);
+    if (node == nullptr) {
+        // kept on purpose: without a branch that carries enough copies, what stands right of the mutated branch under
+        // the same parent shows a third state.
+        new_state = 2;
+        tree_.flush_branches();
+        node = tree_.getRootNodeForMutation(0, 0.0);
+    }
+    tree_.flush_branches();
+    if (node != nullptr) mark_snp(*node, new_state);
+    return 1;
+}
+
+/// The states that TNode::new_Add_SNP_Mutation writes, for the whole tree: parents stand behind their children.
+void LocusSimulator::mark_snp(TNode const& mutated, int new_state) {
+    TNode const* const parent = mutated.ancestor;
+    if (parent == nullptr) return;
+    TNode const* const turned = parent->left == &mutated ? parent->right : nullptr;
+    for (int id = tree_.nb_nodes() - 2; id >= 0; --id) {
+        TNode const& node = tree_[id];
+        int& state = states_[static_cast<std::size_t>(id)];
+        state = &node == &mutated ? 1
+                : &node == turned ? new_state
+                                  : states_[static_cast<std::size_t>(node.ancestor->node_id)];
+    }
+}
+
+/// A node's state is that of its ancestor, or the one after the last mutation on its branch.
+void LocusSimulator::states_from_mutations() {
+    MutationLog const& log = tree_.log();
+    for (int id = tree_.nb_nodes() - 2; id >= 0; --id) {
+        TNode const& node = tree_[id];
+        auto const last = static_cast<std::size_t>(log.first_event[static_cast<std::size_t>(id)] + node.num_mutations);
+        states_[static_cast<std::size_t>(id)] = node.num_mutations > 0
+                                                    ? log.events[last - 1].to
+                                                    : states_[static_cast<std::size_t>(node.ancestor->node_id)];
+    }
+}
+
+}  // namespace tov
