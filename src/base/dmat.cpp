@@ -55,8 +55,7 @@ std::ostream& operator<<(std::ostream& os, DistMat& matrix) {
        << "\t\tMatrixSize= " << matrix.nb_labels << '\n'
        << "\t\tLabelPosition=LINE\n"
        << "\t\tMatrixData={\n";
-    if (matrix.labels.empty())
-        E.error(ErrorType::Information, "operator <<(ostream& os, DistMat& DM)", 11);
+    if (matrix.labels.empty()) E.error(ErrorType::Information, "operator <<(ostream& os, DistMat& DM)", 11);
     for (my_string const& label : matrix.labels) os << label << ' ';
     os << '\n';
     TXmlTag const tag("hapDistMatrix");

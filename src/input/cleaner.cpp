@@ -43,10 +43,18 @@ int cleaner::execute(char separator, char const* file) {
     file_kinds.Add(PROJECT_FILE);
     for (int i = 0; i < orig_files.GetItemsInContainer(); ++i) {
         switch (file_kinds[i]) {
-            case PROJECT_FILE: clean_proj_file(i); break;
-            case HAPLOTYPE_FILE: clean_haplo_file(i); break;
-            case MATRIX_FILE: clean_matrix_file(i); break;
-            default: clean_pop_file(i); break;
+            case PROJECT_FILE:
+                clean_proj_file(i);
+                break;
+            case HAPLOTYPE_FILE:
+                clean_haplo_file(i);
+                break;
+            case MATRIX_FILE:
+                clean_matrix_file(i);
+                break;
+            default:
+                clean_pop_file(i);
+                break;
         }
     }
     return 1;
@@ -118,8 +126,8 @@ int cleaner::line_locus_sep() {
     std::size_t const equal = curr_line.find('=');
     if (equal == std::string::npos) return 0;
     std::string_view const value = trimmed(std::string_view(curr_line).substr(equal + 1));
-    bool const quoted_blank = value.size() == 3 && value[0] == value[2] && (value[0] == '"' || value[0] == '\'') &&
-                              is_blank(value[1]);
+    bool const quoted_blank =
+        value.size() == 3 && value[0] == value[2] && (value[0] == '"' || value[0] == '\'') && is_blank(value[1]);
     bool const word = contains_word(value, "TAB") || contains_word(value, "WHITESPACE");
     if (contains_word(value, "NONE") || !(quoted_blank || word)) return 0;
     curr_line = "LocusSeparator=WHITESPACE";

@@ -31,7 +31,7 @@ DefinitionScanner::DefinitionScanner(ProfileSettings const& profile)
     } else {
         kind_.fill(site);
         // No character that can't be seen may stand for an allele.
-        std::fill(kind_.begin(), kind_.begin() + ' ', static_cast<unsigned char>(bad));
+        std::fill_n(kind_.begin(), static_cast<int>(' '), static_cast<unsigned char>(bad));
     }
     for (char const c : {' ', '\t', '\n', '\v', '\f', '\r'}) kind_[byte(c)] = blank;
     if (profile.LocusSeparator != 0) kind_[byte(profile.LocusSeparator)] = blank;

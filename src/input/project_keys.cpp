@@ -103,9 +103,12 @@ bool read_locus_separator(KeyLine const& key) {
     char& separator = key.profile.LocusSeparator;
     my_string word;
     getUnQuotedString(key.text, word, "LocusSeparator", key.line);
-    if (contains_word(word, "TAB")) separator = '\t';
-    else if (contains_word(word, "WHITESPACE")) separator = ' ';
-    else if (contains_word(word, "NONE") || word.contains("\\0")) separator = 0;
+    if (contains_word(word, "TAB"))
+        separator = '\t';
+    else if (contains_word(word, "WHITESPACE"))
+        separator = ' ';
+    else if (contains_word(word, "NONE") || word.contains("\\0"))
+        separator = 0;
     else {
         my_string value;
         bool const quoted = getQuotedString(key.text, value, "LocusSeparator", key.line) != 0;
@@ -218,8 +221,8 @@ bool missing_in_profile(ProfileSettings const& profile, SeenItems const& seen) {
     complete &= need(seen.nb_samples,
                      "\tKeyword \"NbSamples\" not found. Undefined number of samples to read. Check your project "
                      "file.\n");
-    complete &= need(seen.data_type,
-                     "\tKeyword \"DataType\" not found. Undefined data type. Check your project file.\n");
+    complete &=
+        need(seen.data_type, "\tKeyword \"DataType\" not found. Undefined data type. Check your project file.\n");
     complete &= need(seen.genotypic_data,
                      "\tKeyword \"GenotypicData\" not found. Undefined data type. Check your project file.\n");
     complete &= need(seen.locus_separator || profile.DataType == FREQUENCY,
@@ -252,8 +255,7 @@ bool missing_in_samples(ProfileSettings const& profile, SeenItems const& seen) {
     bool complete = need(seen.samples,
                          "\tSection \"Samples\" not found in project. At least one sample needs to be defined. Check "
                          "your project file.\n");
-    if (!need(seen.sample_size,
-              "\tKeyword \"SampleSize\" not found in Samples section. Sample size is undefined.\n"))
+    if (!need(seen.sample_size, "\tKeyword \"SampleSize\" not found in Samples section. Sample size is undefined.\n"))
         log_text("\t\tUsing sum of ", profile.GenotypicData ? "genotype" : "haplotype",
                  " frequencies. Check your project file.");
     complete &= need(seen.sample_data,

@@ -209,8 +209,10 @@ bool ProjectReader::read_matrix_size(my_string const& text) {
 bool ProjectReader::read_label_position(my_string const& text) {
     my_string value;
     getUnQuotedString(text, value, "LabelPosition", line_);
-    if (contains_word(value, "LINE")) labels_in_line_ = true;
-    else if (contains_word(value, "COLUMN")) labels_in_line_ = false;
+    if (contains_word(value, "LINE"))
+        labels_in_line_ = true;
+    else if (contains_word(value, "COLUMN"))
+        labels_in_line_ = false;
     else {
         log_text("\tInvalid keyword for LabelPosition on line ", line_);
         E.error(ErrorType::Error, function_name, 16);
@@ -265,8 +267,9 @@ bool ProjectReader::read_later_section(my_string const& text) {
 }
 
 bool ProjectReader::read_samples() {
-    if (!follows(seen.data, " : Samples keyword declared before the beginning of the 'Data' section..., "
-                            "aborting project reading!\n"))
+    if (!follows(seen.data,
+                 " : Samples keyword declared before the beginning of the 'Data' section..., "
+                 "aborting project reading!\n"))
         return false;
     seen.samples = true;
     ProfileSettings& profile = parts_.profile;
@@ -283,8 +286,7 @@ bool ProjectReader::read_samples() {
 
 bool ProjectReader::read_structure() {
     Structure::SeenKeys keys;
-    int const read =
-        parts_.structure.NewReadStructure(is_, parts_.profile, parts_.samples, line_, pending_, keys);
+    int const read = parts_.structure.NewReadStructure(is_, parts_.profile, parts_.samples, line_, pending_, keys);
     seen.structure = !keys.passed_over;
     seen.nb_groups = keys.nb_groups;
     seen.group = keys.group;

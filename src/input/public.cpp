@@ -16,16 +16,51 @@ namespace {
 constexpr int NB_WORDS = NB_IDENTIFIERS + NB_SUB_SECTIONS;
 
 std::array<my_string, NB_WORDS> const& identifiers() {
-    static std::array<my_string, NB_WORDS> const words{
-        "recessiveallele",   "datatype",      "distmat",          "distmatlabel",    "exthaplfile",
-        "frequency",         "genotypicdata", "group",            "gameticphase",    "hapllabels",
-        "hapllistname",      "hapllist",      "individuallevel",  "interleave",      "labelposition",
-        "locilabels",        "locuslisting",  "locusseparator",   "matrixname",      "matrixsize",
-        "matrixdata",        "missingdata",   "nbgroups",         "nbloci",          "nbsamples",
-        "sampledata",        "samplename",    "samplesize",       "structurename",   "title",
-        "usedhapllist",      "recessivedata", "compdistmatrix",   "frequencythreshold", "epsilonvalue",
-        "distmatmantel",     "usedymatrixlabels", "matrixnumber", "ymatrix",         "ymatrixlabels",
-        "distancematrix",    "haplotypedefinition", "samples",    "structure",       "mantel"};
+    static std::array<my_string, NB_WORDS> const words{"recessiveallele",
+                                                       "datatype",
+                                                       "distmat",
+                                                       "distmatlabel",
+                                                       "exthaplfile",
+                                                       "frequency",
+                                                       "genotypicdata",
+                                                       "group",
+                                                       "gameticphase",
+                                                       "hapllabels",
+                                                       "hapllistname",
+                                                       "hapllist",
+                                                       "individuallevel",
+                                                       "interleave",
+                                                       "labelposition",
+                                                       "locilabels",
+                                                       "locuslisting",
+                                                       "locusseparator",
+                                                       "matrixname",
+                                                       "matrixsize",
+                                                       "matrixdata",
+                                                       "missingdata",
+                                                       "nbgroups",
+                                                       "nbloci",
+                                                       "nbsamples",
+                                                       "sampledata",
+                                                       "samplename",
+                                                       "samplesize",
+                                                       "structurename",
+                                                       "title",
+                                                       "usedhapllist",
+                                                       "recessivedata",
+                                                       "compdistmatrix",
+                                                       "frequencythreshold",
+                                                       "epsilonvalue",
+                                                       "distmatmantel",
+                                                       "usedymatrixlabels",
+                                                       "matrixnumber",
+                                                       "ymatrix",
+                                                       "ymatrixlabels",
+                                                       "distancematrix",
+                                                       "haplotypedefinition",
+                                                       "samples",
+                                                       "structure",
+                                                       "mantel"};
     return words;
 }
 
@@ -60,9 +95,7 @@ int IniFile::write_ini(char const* file) const {
     return out.good();
 }
 
-void log_project_line(int line, std::string_view text) {
-    *_AOS_ << "\tProject file, Line #" << line << text;
-}
+void log_project_line(int line, std::string_view text) { *_AOS_ << "\tProject file, Line #" << line << text; }
 
 void clearLineAfterPoundSign(my_string& text) {
     std::size_t const at = text.str().find('#');
@@ -115,9 +148,7 @@ int getValue(my_string const& text, double& out, char const* name, int line) {
     return 0;
 }
 
-int detectFullPathInFileName(my_string const& name) {
-    return name.str().find_first_of("/\\") != std::string::npos;
-}
+int detectFullPathInFileName(my_string const& name) { return name.str().find_first_of("/\\") != std::string::npos; }
 
 int aWritePrivateProfileString(char const* key, char const* value, std::ostream& os) {
     os << key << '=' << value << '\n';

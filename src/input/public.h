@@ -75,8 +75,8 @@ int get_next_subsection(std::istream& ifs, my_string& name);
 /// The value of a key of a file, or the default. Errors: 103 when the file does not open.
 int get_tov_profile_int(char const* file, char const* section, char const* sub_section, char const* keyword,
                         int default_value);
-my_string get_tov_profile_my_string(char const* file, char const* section, char const* sub_section,
-                                    char const* keyword, char const* default_value);
+my_string get_tov_profile_my_string(char const* file, char const* section, char const* sub_section, char const* keyword,
+                                    char const* default_value);
 char get_tov_profile_char(char const* file, char const* section, char const* sub_section, char const* keyword,
                           char default_value);
 /// Writes "key=value" and a newline; always 1.

@@ -294,12 +294,11 @@ int get_tov_profile_int(char const* file, char const* section, char const* sub_s
     return value;
 }
 
-my_string get_tov_profile_my_string(char const* file, char const* section, char const* sub_section,
-                                    char const* keyword, char const* default_value) {
+my_string get_tov_profile_my_string(char const* file, char const* section, char const* sub_section, char const* keyword,
+                                    char const* default_value) {
     std::ifstream ifs;
     my_string value;
-    if (open_at_key(ifs, file, section, sub_section, keyword, "get_tov_profile_my_string()") &&
-        get_qstring(ifs, value))
+    if (open_at_key(ifs, file, section, sub_section, keyword, "get_tov_profile_my_string()") && get_qstring(ifs, value))
         return value;
     return default_value;
 }

@@ -162,8 +162,7 @@ int Population::New_read_gametic_data(std::istream& is, Haplo_DB& db, int has_li
     return 1;
 }
 
-int Population::New_read_genotypic_data(std::istream& is, int external, int& line, my_string& text,
-                                        int project_loci) {
+int Population::New_read_genotypic_data(std::istream& is, int external, int& line, my_string& text, int project_loci) {
     BlockLines lines(is, line, text, !text.is_null());
     GenotypicReader reader(*this, lines, project_loci);
     return read_entries(reader, lines, external != 0, 2);

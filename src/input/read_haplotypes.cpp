@@ -44,8 +44,7 @@ private:
         DefinitionFault const fault = scanner_.scan(rest, haplotype->content.str(), loci);
         if (fault != DefinitionFault::none) {
             report_definition_fault(fault, "HaploDef::read_data()");
-            log_text("\tUnable to read haplotype definition on line ", lines_.number(),
-                     ", aborting reading procedure");
+            log_text("\tUnable to read haplotype definition on line ", lines_.number(), ", aborting reading procedure");
             return false;
         }
         if (list_.size() == 0) loci_ = loci;

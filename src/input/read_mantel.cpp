@@ -110,8 +110,8 @@ bool MantelReader::read_size(my_string const& text) {
 
 bool MantelReader::read_number(my_string const& text) {
     double number = 0.0;
-    bool const read = checkForPresenceOfEqualSign(text, "MatrixNumber", line_) &&
-                      getValue(text, number, "MatrixNumber", line_);
+    bool const read =
+        checkForPresenceOfEqualSign(text, "MatrixNumber", line_) && getValue(text, number, "MatrixNumber", line_);
     if (!read || (rounded_int(number) != 2 && rounded_int(number) != 3)) {
         log_text("Invalid value (", trimmed(text.extract_after('=')), ") assigned to MatrixNumber on line ", line_,
                  ". Value needs to be either 2 or 3. Aborting reading project.");
@@ -190,7 +190,8 @@ bool MantelReader::take_labels(BlockLines& lines, char const* key, std::vector<m
                 return false;
             }
             if (labels.size() == expected) {
-                if (labels.size() > before) log_text("\tToo many labels found on line ", line_);
+                if (labels.size() > before)
+                    log_text("\tToo many labels found on line ", line_);
                 else
                     log_text("\tToo many ", key, " are defined. Only ", expected,
                              " labels were expected. Check for additional labels potentially present on line ", line_);

@@ -51,11 +51,11 @@ private:
     void note_loci(Population const& sample);
     void check_number(bool at_end);
 
-    Samples& samples_;         // borrowed
-    std::istream& is_;         // borrowed
-    ProfileSettings& profile_; // borrowed
-    Haplo_DB& db_;             // borrowed
-    int& line_;                // borrowed
+    Samples& samples_;          // borrowed
+    std::istream& is_;          // borrowed
+    ProfileSettings& profile_;  // borrowed
+    Haplo_DB& db_;              // borrowed
+    int& line_;                 // borrowed
     SeenSampleKeys seen_;
     bool has_list_;
     int project_loci_ = 0;
@@ -83,14 +83,15 @@ bool SamplesReader::read(my_string& text) {
 
 bool SamplesReader::read_line(my_string const& text) {
     if (contains_word(text, "SAMPLENAME")) return read_name(text);
-    if (contains_word(text, "SAMPLESIZE")) read_size(text);
-    else if (contains_word(text, "SAMPLEDATA")) return read_data(text);
+    if (contains_word(text, "SAMPLESIZE"))
+        read_size(text);
+    else if (contains_word(text, "SAMPLEDATA"))
+        return read_data(text);
     return true;
 }
 
 bool SamplesReader::read_name(my_string const& text) {
-    if (!checkForPresenceOfEqualSign(text, "SampleName", line_) ||
-        !getQuotedString(text, name_, "SampleName", line_)) {
+    if (!checkForPresenceOfEqualSign(text, "SampleName", line_) || !getQuotedString(text, name_, "SampleName", line_)) {
         E.error(ErrorType::Error, function_name, 62);
         return false;
     }
@@ -156,10 +157,9 @@ bool SamplesReader::read_population(std::istream& is, int& line, bool external, 
     std::clock_t const start = std::clock();
     *_AOS_ << "\tReading " << name_ << " ... ";
     std::unique_ptr<Population> sample = new_sample();
-    int const read =
-        profile_.GenotypicData
-            ? sample->New_read_genotypic_data(is, external, line, first_text, project_loci_)
-            : sample->New_read_gametic_data(is, db_, has_list_, line, first_text, external, project_loci_);
+    int const read = profile_.GenotypicData
+                         ? sample->New_read_genotypic_data(is, external, line, first_text, project_loci_)
+                         : sample->New_read_gametic_data(is, db_, has_list_, line, first_text, external, project_loci_);
     if (!read) {
         E.error(ErrorType::Error, function_name, 63);
         return false;

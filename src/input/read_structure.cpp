@@ -79,8 +79,9 @@ bool StructureReader::read_line(my_string const& text) {
 bool StructureReader::read_name(my_string const& text) {
     if (contains_word_outside_quotes(text, "EXTERN")) {
         E.error(ErrorType::Error, function_name, 195);
-        log_text("\tWarning: External definition of the GENETIC STRUCTURE is not possible anymore.\n"
-                 "\tPlease incorporate it into the project. Skipping reading of the Genetic structure.");
+        log_text(
+            "\tWarning: External definition of the GENETIC STRUCTURE is not possible anymore.\n"
+            "\tPlease incorporate it into the project. Skipping reading of the Genetic structure.");
         structure_.reset();
         passed_over_ = true;
         seen_ = {};
@@ -186,8 +187,10 @@ bool StructureReader::add_sample(std::string_view name, int number) {
         return true;
     }
     *_AOS_ << "\tError: Sample \"" << name << "\" defined in Group #" << number << " on line " << line_;
-    if (known) log_text(" has been alredy included in group #", taken, '.');
-    else log_text(" has not been defined in the [Samples] section.\n", "\tAborting reading project.");
+    if (known)
+        log_text(" has been alredy included in group #", taken, '.');
+    else
+        log_text(" has not been defined in the [Samples] section.\n", "\tAborting reading project.");
     E.error(ErrorType::Error, function_name, known ? 206 : 51);
     return false;
 }

@@ -9,8 +9,8 @@
 namespace tov {
 namespace {
 
-constexpr double tolerated_gap = 0.001;   // of a sum of relative frequencies from 1
-constexpr double rounding_noise = 1e-9;   // of sums that are equal
+constexpr double tolerated_gap = 0.001;  // of a sum of relative frequencies from 1
+constexpr double rounding_noise = 1e-9;  // of sums that are equal
 
 }  // namespace
 

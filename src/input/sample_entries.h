@@ -11,9 +11,9 @@ namespace tov {
 
 /// The words in which a reader of entries complains.
 struct EntryWords {
-    char const* function;              ///< "Class::function()"
-    std::string_view what;             ///< "haplotype" or "genotype"
-    int size_code;                     ///< report of a sum that differs from the declared size
+    char const* function;   ///< "Class::function()"
+    std::string_view what;  ///< "haplotype" or "genotype"
+    int size_code;          ///< report of a sum that differs from the declared size
 };
 
 /// Common part of the two readers: sums, sizes, and the complaints that both have.
@@ -28,7 +28,9 @@ public:
     /// Checks the number of loci against that of the project's first entry. @return false after a log line.
     bool check_loci(std::string_view id, int loci);
     /// Individuals or gene copies of an entry of that frequency.
-    [[nodiscard]] double copies(double frequency) const noexcept { return relative_ ? frequency * declared_ : frequency; }
+    [[nodiscard]] double copies(double frequency) const noexcept {
+        return relative_ ? frequency * declared_ : frequency;
+    }
     /// Compares sum and declared size, and sets the sample size.
     ///
     /// @param copies_each  gene copies of an entry of frequency 1. @return false without a closing brace, after 194.

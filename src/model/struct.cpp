@@ -37,7 +37,8 @@ int Structure::nb_samples() const noexcept {
 
 std::vector<Population*> Structure::all_populations() const {
     std::vector<Population*> all;
-    for (StructureGroup const& group : groups) all.insert(all.end(), group.populations.begin(), group.populations.end());
+    for (StructureGroup const& group : groups)
+        all.insert(all.end(), group.populations.begin(), group.populations.end());
     return all;
 }
 

@@ -16,8 +16,8 @@ class Samples;
 struct StructureGroup {
     my_string name;
     std::vector<my_string> sample_names;
-    std::vector<int> sample_indexes;        ///< index of the sample in Samples
-    std::vector<Population*> populations;   ///< borrowed from Samples
+    std::vector<int> sample_indexes;       ///< index of the sample in Samples
+    std::vector<Population*> populations;  ///< borrowed from Samples
 
     [[nodiscard]] int nb_samples() const noexcept { return static_cast<int>(populations.size()); }
 };
@@ -25,9 +25,6 @@ struct StructureGroup {
 /// Groups of samples. A sample is in one group at most; samples may be left out. Populations are borrowed.
 class Structure : public ProfileSettings {
 public:
-    /// Copies share the borrowed populations.
-    Structure() = default;
-
     /// Empties the structure: no name, no group. The profile stays.
     void reset();
 
@@ -52,6 +49,12 @@ public:
     /// this structure's populations.
     void build_one_loci_str(Samples* oneLocusSamples, Structure* out) const;
 
+    /// Which keys of a section were met.
+    struct SeenKeys {
+        bool nb_groups = false;
+        bool group = false;
+        bool passed_over = false;  ///< defined in an external file: counts as not there
+    };
     /// Reads a section [[Structure]] line by line, up to "[MANTEL]" or the end.
     ///
     /// @param profile  profile of the project, copied.
@@ -60,11 +63,6 @@ public:
     /// @param text     upper-cased line that ended the section ("[[MANTEL]]"), empty at the end of the file.
     /// @param seen     which keys were met.
     /// @return 1, or 0 after a report.
-    struct SeenKeys {
-        bool nb_groups = false;
-        bool group = false;
-        bool passed_over = false;  ///< defined in an external file: counts as not there
-    };
     int NewReadStructure(std::istream& ifs, ProfileSettings const& profile, Samples& samples, int& line,
                          my_string& text, SeenKeys& seen);
 

@@ -48,8 +48,7 @@ inline std::string profile_text(std::string const& type, int nb_samples = 1, std
 inline std::string genotypic_profile_text(std::string const& type, int nb_samples = 1,
                                           std::string const& separator = "WHITESPACE", std::string const& more = "") {
     return "[Profile]\nTitle=\"t\"\nNbSamples=" + std::to_string(nb_samples) + "\nDataType=" + type +
-           "\nGenotypicData=1\nGameticPhase=0\nLocusSeparator=" + separator + "\nMissingData='?'" + more +
-           "\n[Data]\n";
+           "\nGenotypicData=1\nGameticPhase=0\nLocusSeparator=" + separator + "\nMissingData='?'" + more + "\n[Data]\n";
 }
 
 /// A sample in project file form.

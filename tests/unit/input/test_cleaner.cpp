@@ -1,8 +1,7 @@
 // The cleaner: white space, comments, external files, and the locus separator's key.
-#include "input/cleaner.h"
-
 #include <gtest/gtest.h>
 
+#include "input/cleaner.h"
 #include "support/fresh_process.h"
 #include "support/scratch_directory.h"
 
@@ -47,14 +46,13 @@ TEST(CleanerLine, LocusSeparatorKeyMeansWhiteSpace) {
     struct Case {
         char const *line, *expected;
     };
-    for (Case const& c : {Case{"LocusSeparator=TAB", "LocusSeparator=WHITESPACE"},
-                          Case{"locusseparator = whitespace", "LocusSeparator=WHITESPACE"},
-                          Case{"LocusSeparator=' '", "LocusSeparator=WHITESPACE"},
-                          Case{"LocusSeparator=\" \"", "LocusSeparator=WHITESPACE"},
-                          Case{"LocusSeparator='/'", "LocusSeparator='/'"},
-                          Case{"LocusSeparator=NONE", "LocusSeparator=NONE"},
-                          Case{"LocusSeparator=\\0", "LocusSeparator=\\0"},
-                          Case{"LocusSeparator", "LocusSeparator"}}) {
+    for (Case const& c :
+         {Case{"LocusSeparator=TAB", "LocusSeparator=WHITESPACE"},
+          Case{"locusseparator = whitespace", "LocusSeparator=WHITESPACE"},
+          Case{"LocusSeparator=' '", "LocusSeparator=WHITESPACE"},
+          Case{"LocusSeparator=\" \"", "LocusSeparator=WHITESPACE"}, Case{"LocusSeparator='/'", "LocusSeparator='/'"},
+          Case{"LocusSeparator=NONE", "LocusSeparator=NONE"}, Case{"LocusSeparator=\\0", "LocusSeparator=\\0"},
+          Case{"LocusSeparator", "LocusSeparator"}}) {
         cleaner cleaning;
         cleaning.locus_separator = ' ';
         cleaning.curr_line = c.line;

@@ -1,10 +1,9 @@
 // The profile: defaults, the reader by stream, and the writer.
-#include "input/profile.h"
-
 #include <gtest/gtest.h>
 
 #include <sstream>
 
+#include "input/profile.h"
 #include "support/fresh_process.h"
 
 namespace tov {

@@ -112,7 +112,8 @@ TEST(ProjectKeys, BadValuesReportAndTakeTheDefault) {
              Case{"Frequency=PERCENT", "invalid value for \"Frequency\": setting to default",
                   "Line #7 : Invalid value ('PERCENT\") assigned to keyword \"Frequency\"\n"},
              Case{"CompDistMatrix=1", "",
-                  "\tProject file, Line #7 : Keyword \"CompDistMatrix\" is now obsolete. Please set this parameter directly "
+                  "\tProject file, Line #7 : Keyword \"CompDistMatrix\" is now obsolete. Please set this parameter "
+                  "directly "
                   "throug the interface\n"},
              Case{"FrequencyThreshold=x", "", "Line #7 : Bad value after keyword 'FrequencyThreshold'\n"},
              Case{"EpsilonValue=1e999", "", "Line #7 : Bad value after keyword 'EpsilonValue'\n"},
@@ -166,10 +167,12 @@ TEST(Project, AnEmptyFileLacksEverything) {
           "\tKeyword \"LocusSeparator\" not found. Check your project file.\n",
           "\tKeyword \"MissingData\" not found. Using default value (\"?\"). Check your project file.\n",
           "\t[DATA] section not defined. Check your project file.\n",
-          "\tSection \"Samples\" not found in project. At least one sample needs to be defined. Check your project file.\n",
+          "\tSection \"Samples\" not found in project. At least one sample needs to be defined. Check your project "
+          "file.\n",
           "\tKeyword \"SampleSize\" not found in Samples section. Sample size is undefined.\n"
           "\t\tUsing sum of haplotype frequencies. Check your project file.\n",
-          "\tKeyword \"SampleData\" not found in Samples section. Sample data is undefined. Check your project file.\n"})
+          "\tKeyword \"SampleData\" not found in Samples section. Sample data is undefined. Check your project "
+          "file.\n"})
         EXPECT_TRUE(t.logs(line)) << line;
     EXPECT_TRUE(t.logs("\"Project::newOpen()\" : missing required keywords definition in project file"));
     for (char const* absent : {"GameticPhase", "RecessiveAllele", "HaplList", "MatrixSize", "Structure", "Mantel"})
@@ -208,7 +211,8 @@ TEST(Project, EachMissingItemIsTold) {
           Case{"LocusSeparator=WHITESPACE", "\tKeyword \"LocusSeparator\" not found. Check your project file.\n", 0},
           Case{"DataType=STANDARD", "\tKeyword \"DataType\" not found.", 0},
           Case{"RecessiveAllele=\"0\"",
-               "\tKeyword \"RecessiveAllele\" not found. Undefined recessive allele for recessive data. \t\tUsing default "
+               "\tKeyword \"RecessiveAllele\" not found. Undefined recessive allele for recessive data. \t\tUsing "
+               "default "
                "value (null). Check your project file.\n",
                1},
           Case{"MissingData='?'", "\tKeyword \"MissingData\" not found. Using default value (\"?\").", 1},
@@ -230,14 +234,17 @@ TEST(Project, MissingItemsOfSectionsAreTold) {
     ProjectText const list(profile_text("DNA") + "[[HaplotypeDefinition]]\n[[Samples]]\n" +
                            sample_text("a", "1", "H1 1 A\n"));
     EXPECT_EQ(list.result, 0);
-    EXPECT_TRUE(list.logs("\tKeyword \"HaplList\" not found in Haplotype section. Haplotype list not found. Check your "
-                          "project file.\n"));
+    EXPECT_TRUE(
+        list.logs("\tKeyword \"HaplList\" not found in Haplotype section. Haplotype list not found. Check your "
+                  "project file.\n"));
     ProjectText const matrix(profile_text("DNA") + "[[DistanceMatrix]]\n[[Samples]]\n" +
                              sample_text("a", "1", "H1 1 A\n"));
     EXPECT_EQ(matrix.result, 0);
-    EXPECT_TRUE(matrix.logs("\tKeyword \"MatrixSize\" not found in Distance Matrix section.Check your project file.\n"));
-    EXPECT_TRUE(matrix.logs("\tKeyword \"MatrixData\" not found in Distance Matrix section. Distance matrix is undefined. "
-                            "Check your project file.\n"));
+    EXPECT_TRUE(
+        matrix.logs("\tKeyword \"MatrixSize\" not found in Distance Matrix section.Check your project file.\n"));
+    EXPECT_TRUE(
+        matrix.logs("\tKeyword \"MatrixData\" not found in Distance Matrix section. Distance matrix is undefined. "
+                    "Check your project file.\n"));
     ProjectText const data(profile_text("DNA") + "[[Samples]]\nSampleName=\"a\"\nSampleSize=1\n");
     EXPECT_EQ(data.result, 0);
     EXPECT_TRUE(data.logs("\tKeyword \"SampleData\" not found in Samples section."));
@@ -255,7 +262,8 @@ TEST(Project, SectionsHaveTheirOrder) {
           Case{profile + "[Data]\nHaplListName=\"x\"\n", "Line #7 : HaplListName keyword declared before"},
           Case{profile + "[Data]\nHaplList={\n}\n", "Line #7 : HaplList keyword declared before"},
           Case{profile + "[[DistanceMatrix]]\n[Data]\n",
-               "\tProject file, Line #6 : DistanceMatrix keyword declared before the beginning of the 'Data' section..., "
+               "\tProject file, Line #6 : DistanceMatrix keyword declared before the beginning of the 'Data' "
+               "section..., "
                "aborting project reading!\n"},
           Case{profile + "[[Samples]]\n[Data]\n", "Line #6 : Samples keyword declared before"},
           Case{profile + "[Data]\n[[Structure]]\n" + one_sample,
@@ -272,7 +280,8 @@ TEST(Project, HaplotypeListMayHaveABadNameOrAnExternalFile) {
     fresh.keep(settings::input_file, std::string("p.tvp"));
     scratch.write("h.txt", "H1 ACGT\nH2 ACGA\n");
     std::string const end = "[[Samples]]\n" + sample_text("a", "1", "H2 1\n");
-    ProjectText const name(profile_text("DNA") + "[[HaplotypeDefinition]]\nHaplListName=x\nHaplList={\nH2 A\n}\n" + end);
+    ProjectText const name(profile_text("DNA") + "[[HaplotypeDefinition]]\nHaplListName=x\nHaplList={\nH2 A\n}\n" +
+                           end);
     EXPECT_EQ(name.result, 1) << name.log;
     EXPECT_TRUE(name.logs("bad value assigned to \"HaplListName\""));
     EXPECT_TRUE(name.logs("Reading Haplotype List ...\ndone ! ("));
@@ -282,8 +291,9 @@ TEST(Project, HaplotypeListMayHaveABadNameOrAnExternalFile) {
     EXPECT_EQ(file.haplotypes.size(), 2);
     ProjectText const absent(profile_text("DNA") + "[[HaplotypeDefinition]]\nHaplList= EXTERN \"g.txt\"\n" + end);
     EXPECT_EQ(absent.result, 0);
-    EXPECT_TRUE(absent.logs("\tWarning: External file \"g.txt\" listed on line 10 cannot be open. Check that it exists. "
-                            "Aborting reading project\n"));
+    EXPECT_TRUE(
+        absent.logs("\tWarning: External file \"g.txt\" listed on line 10 cannot be open. Check that it exists. "
+                    "Aborting reading project\n"));
     EXPECT_TRUE(absent.logs("unable to open external haplotype file"));
     ProjectText const unquoted(profile_text("DNA") + "[[HaplotypeDefinition]]\nHaplList= EXTERN h.txt\n" + end);
     EXPECT_EQ(unquoted.result, 0);
@@ -296,8 +306,9 @@ std::string frequency_project(std::string const& section) {
 }
 
 TEST(Project, DistanceMatrixIsRead) {
-    ProjectText const line(frequency_project("MatrixName=\"m\"\nMatrixSize=2\nLabelPosition=LINE\nMatrixData={\nH1 H2\n0\n"
-                                             "4 0\n}\n"));
+    ProjectText const line(
+        frequency_project("MatrixName=\"m\"\nMatrixSize=2\nLabelPosition=LINE\nMatrixData={\nH1 H2\n0\n"
+                          "4 0\n}\n"));
     ASSERT_EQ(line.result, 1) << line.log;
     EXPECT_EQ(line.distances.name, "m");
     EXPECT_EQ(line.distances.nb_labels, 2);
@@ -326,8 +337,9 @@ TEST(Project, DistanceMatrixMayStandInAFile) {
     EXPECT_TRUE(t.logs("[INFO #"));
     ProjectText const absent(frequency_project("MatrixSize=2\nMatrixData= EXTERN \"n.dis\"\n"));
     EXPECT_EQ(absent.result, 0);
-    EXPECT_TRUE(absent.logs("\tWarning: External file \"n.dis\" listed on line 8 cannot be open. Check that it exists. "
-                            "Aborting reading project\n"));
+    EXPECT_TRUE(
+        absent.logs("\tWarning: External file \"n.dis\" listed on line 8 cannot be open. Check that it exists. "
+                    "Aborting reading project\n"));
     EXPECT_TRUE(absent.logs("unable to read external distance matrix file"));
 }
 

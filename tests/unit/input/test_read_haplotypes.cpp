@@ -228,15 +228,17 @@ TEST(HaplotypeList, ASectionBeforeTheBraceStopsIt) {
 TEST(HaplotypeList, OneIdTwiceStopsIt) {
     ListText const t("H1 ACGT\nH1 ACGT\n}", "HaplList={");
     EXPECT_EQ(t.result, 0);
-    EXPECT_TRUE(has(t.log, "\tHaplotype \"H1\" listed on line 12 is already defined previously, aborting reading "
-                           "procedure...\n"));
+    EXPECT_TRUE(has(t.log,
+                    "\tHaplotype \"H1\" listed on line 12 is already defined previously, aborting reading "
+                    "procedure...\n"));
 }
 
 TEST(HaplotypeList, AnotherNumberOfLociStopsIt) {
     ListText const t("H1 ACGT\nH2 ACG\n}", "HaplList={");
     EXPECT_EQ(t.result, 0);
-    EXPECT_TRUE(has(t.log, "\tNumber of loci for haplotype \"H2\" is different (3) from that previously defined (4) on "
-                           "line 12\n"));
+    EXPECT_TRUE(has(t.log,
+                    "\tNumber of loci for haplotype \"H2\" is different (3) from that previously defined (4) on "
+                    "line 12\n"));
 }
 
 TEST(HaplotypeList, ABadDefinitionStopsIt) {

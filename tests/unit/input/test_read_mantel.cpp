@@ -79,7 +79,8 @@ TEST(MantelReading, TwoMatricesWithAComputedY) {
 }
 
 TEST(MantelReading, CustomMatricesComeAsYThenX1ThenX2) {
-    MantelText const t("MatrixSize=3\nMatrixNumber=3\nYMatrix=custom\n" + labels + matrix(4) + matrix(5) + matrix(6) + used);
+    MantelText const t("MatrixSize=3\nMatrixNumber=3\nYMatrix=custom\n" + labels + matrix(4) + matrix(5) + matrix(6) +
+                       used);
     ASSERT_EQ(t.result, 1) << t.log;
     EXPECT_EQ(t.mantel.Y_custom(1, 0), 4.0);
     EXPECT_EQ(t.mantel.X1(1, 0), 5.0);
@@ -91,7 +92,8 @@ TEST(MantelReading, WithAComputedYOneMatrixMayBeMissingOrTooMany) {
     ASSERT_EQ(fewer.result, 1) << fewer.log;
     EXPECT_EQ(fewer.mantel.X1(1, 0), 5.0);
     EXPECT_EQ(fewer.mantel.X2(1, 0), 6.0);
-    MantelText const all("MatrixSize=3\nMatrixNumber=3\nYMatrix=nm\n" + labels + matrix(5) + matrix(6) + matrix(7) + used);
+    MantelText const all("MatrixSize=3\nMatrixNumber=3\nYMatrix=nm\n" + labels + matrix(5) + matrix(6) + matrix(7) +
+                         used);
     ASSERT_EQ(all.result, 1) << all.log;
     EXPECT_EQ(all.mantel.X1(1, 0), 5.0);
     EXPECT_EQ(all.mantel.X2(1, 0), 6.0);
@@ -115,8 +117,9 @@ TEST(MantelReading, AnotherNumberOfMatricesIsRefused) {
 TEST(MantelReading, WithoutUsedLabelsAllAreUsed) {
     MantelText const t("MatrixSize=3\nMatrixNumber=2\nYMatrix=fst\n" + labels + matrix(4));
     ASSERT_EQ(t.result, 1);
-    EXPECT_TRUE(t.logs("\tWarning: Section UsedYMatrixLabels not found. We shall assume that all labels previously defined "
-                       "in section YMatrixLabels are valid\n"));
+    EXPECT_TRUE(
+        t.logs("\tWarning: Section UsedYMatrixLabels not found. We shall assume that all labels previously defined "
+               "in section YMatrixLabels are valid\n"));
     EXPECT_EQ(t.mantel.used_labels.GetItemsInContainer(), 3);
     EXPECT_FALSE(t.seen.used_y_matrix_labels);
 }
@@ -133,14 +136,17 @@ TEST(MantelReading, Faults) {
              Case{"YMatrix=\"gst\"\n", "\tProject file, Line #1 : Invalid value ('gst') assigned to keyword"},
              Case{"MatrixSize=many\n", "Bad value (\"many\") assigned to MatrixSize on line 1\n"},
              Case{"MatrixSize=2\n",
-                  "\tInvalid value assigned to MatrixSize on line 1. Value of MatrixSize needs to be at least 3. Aborting "
+                  "\tInvalid value assigned to MatrixSize on line 1. Value of MatrixSize needs to be at least 3. "
+                  "Aborting "
                   "reading project.\n"},
              Case{"MatrixNumber=4\n",
-                  "Invalid value (4) assigned to MatrixNumber on line 1. Value needs to be either 2 or 3. Aborting reading "
+                  "Invalid value (4) assigned to MatrixNumber on line 1. Value needs to be either 2 or 3. Aborting "
+                  "reading "
                   "project.\n"},
              Case{"MatrixNumber=x\n", "Invalid value (x) assigned to MatrixNumber on line 1."},
-             Case{labels, "\tKeyword YMatrixLabels found on line 1 before MatrixSize has been defined. Abort reading "
-                          "matrix.\n"},
+             Case{labels,
+                  "\tKeyword YMatrixLabels found on line 1 before MatrixSize has been defined. Abort reading "
+                  "matrix.\n"},
              Case{matrix(1), "\tKeyword DistMatMantel found on line 1 before MatrixSize has been defined."},
              Case{head + "YMatrixLabels={\na b\nc d\n}\n", "\tToo many labels found on line 5\n"},
              Case{head + "YMatrixLabels={\na b c\nd\n}\n",
@@ -184,15 +190,17 @@ TEST(MantelReading, MatricesMayStandInFiles) {
     scratch.write("x.dis", "0\n7 0\n8 9 0\n");
     FreshProcess fresh;
     fresh.keep(settings::input_file, std::string("p.tvp"));
-    MantelText const t("MatrixSize=3\nMatrixNumber=2\nYMatrix=fst\n" + labels + "DistMatMantel= EXTERN \"x.dis\"\n" + used);
+    MantelText const t("MatrixSize=3\nMatrixNumber=2\nYMatrix=fst\n" + labels + "DistMatMantel= EXTERN \"x.dis\"\n" +
+                       used);
     ASSERT_EQ(t.result, 1) << t.log;
     EXPECT_EQ(t.mantel.X1(2, 1), 9.0);
     EXPECT_TRUE(t.logs("\tReading Distance Matrix in external file \"x.dis\"\n"));
     EXPECT_TRUE(t.logs("reading distance matrix in external file"));
     MantelText const absent("MatrixSize=3\nDistMatMantel= EXTERN \"y.dis\"\n");
     EXPECT_EQ(absent.result, 0);
-    EXPECT_TRUE(absent.logs("\tWarning: External file \"y.dis\" listed on line 2 cannot be open. Check that it exists. "
-                            "Aborting reading project\n"));
+    EXPECT_TRUE(
+        absent.logs("\tWarning: External file \"y.dis\" listed on line 2 cannot be open. Check that it exists. "
+                    "Aborting reading project\n"));
     EXPECT_TRUE(absent.logs("unable to read external distance matrix file"));
 }
 
@@ -207,7 +215,8 @@ TEST(MantelReading, InAProjectItNeedsSamplesAndItsKeys) {
     for (char const* key : {"MatrixSize", "MatrixNumber", "YMatrixLabels", "DistMatMantel", "UsedYMatrixLabels"})
         EXPECT_TRUE(empty.logs(std::string("\tKeyword \"") + key +
                                "\" not found in Mantel section. Check your project file.\n"));
-    test::ProjectText const whole(head + samples + "[[Structure]]\nNbGroups=1\nGroup={\"a\"}\n[[Mantel]]\nMatrixSize=3\n" +
+    test::ProjectText const whole(head + samples +
+                                  "[[Structure]]\nNbGroups=1\nGroup={\"a\"}\n[[Mantel]]\nMatrixSize=3\n" +
                                   "MatrixNumber=2\nYMatrix=log_fst\n" + labels + matrix(2));
     EXPECT_EQ(whole.result, 1) << whole.log;
     EXPECT_EQ(whole.mantel.X1(1, 0), 2.0);

@@ -66,8 +66,9 @@ TEST(DistanceMatrixReading, AFileOfItsOwnNeedsNoBrace) {
 TEST(DistanceMatrixReading, MissingLabels) {
     MatrixText const t(3, "A B\n0\n1 0\n");
     EXPECT_EQ(t.result, 0);
-    EXPECT_TRUE(has(t.log, "\tMissing labels on line 21. Only 2 labels were found while 3 were expected. Last correctly "
-                           "read label was \"B\". Aborting reading Distance Matrix\n"));
+    EXPECT_TRUE(has(t.log,
+                    "\tMissing labels on line 21. Only 2 labels were found while 3 were expected. Last correctly "
+                    "read label was \"B\". Aborting reading Distance Matrix\n"));
 }
 
 TEST(DistanceMatrixReading, MoreLabelsAreAWarning) {
@@ -100,7 +101,8 @@ TEST(DistanceMatrixReading, BadAndMissingValues) {
     EXPECT_EQ(bad.result, 0);
     EXPECT_TRUE(has(bad.log, "\tBad value (\"x\") for distance #2 on line 24. Aborting reading distance matrix.\n"));
     MatrixText const large(1, "A\n1e999\n}");
-    EXPECT_TRUE(has(large.log, "\tBad value (\"1e999\") for distance #1 on line 22. Aborting reading distance matrix.\n"));
+    EXPECT_TRUE(
+        has(large.log, "\tBad value (\"1e999\") for distance #1 on line 22. Aborting reading distance matrix.\n"));
     MatrixText const missing(3, "A B C\n0\n1 0\n2 3\n}");
     EXPECT_EQ(missing.result, 0);
     EXPECT_TRUE(has(missing.log, "\tUnable to read distance #3 on line 24. Aborting reading distance matrix.\n"));
@@ -117,8 +119,9 @@ TEST(DistanceMatrixReading, ASectionOrTheEndBeforeTheBrace) {
     for (char const* section : {"[[Samples]]", "[[Structure]]", "[[mantel]]"}) {
         MatrixText const t(2, std::string("A B\n0\n1 0\n") + section + "\n");
         EXPECT_EQ(t.result, 0);
-        EXPECT_TRUE(has(t.log, "\tNo closing brace in distance matrix definition up to line 24. Aborting reading "
-                               "project.\n"));
+        EXPECT_TRUE(has(t.log,
+                        "\tNo closing brace in distance matrix definition up to line 24. Aborting reading "
+                        "project.\n"));
     }
     MatrixText const early(2, "A B\n0\n[[Samples]]\n");
     EXPECT_TRUE(has(early.log, "\tNo closing brace in distance matrix definition up to line 23. Aborting"));
@@ -133,8 +136,9 @@ TEST(DistanceMatrixReading, ASectionOrTheEndBeforeTheBrace) {
 TEST(DistanceMatrixReading, TooFewRowsAreSeenAtTheBrace) {
     MatrixText const t(3, "A B C\n0\n1 0\n}");
     EXPECT_EQ(t.result, 0);
-    EXPECT_TRUE(has(t.log, "\tInvalid dimension for distance matrix: 3 rows were expected, but only 2 were found. "
-                           "Aborting reading project.\n"));
+    EXPECT_TRUE(has(t.log,
+                    "\tInvalid dimension for distance matrix: 3 rows were expected, but only 2 were found. "
+                    "Aborting reading project.\n"));
     MatrixText const end(3, "A B C\n0\n1 0\n", true, false);
     EXPECT_TRUE(has(end.log, "\tInvalid dimension for distance matrix: 3 rows were expected, but only 2 were found."));
 }

@@ -47,17 +47,20 @@ TEST(Samples, HaplotypesAreCounted) {
 }
 
 TEST(Samples, TheBraceMayCloseTheLastEntrysLine) {
-    ProjectText const t(profile_text("DNA") + "[[Samples]]\nSampleName=\"a\"\nSampleSize=3\nSampleData={\nH1 2 ACGT\n"
-                                              "H2 1 ACGA }\n");
+    ProjectText const t(profile_text("DNA") +
+                        "[[Samples]]\nSampleName=\"a\"\nSampleSize=3\nSampleData={\nH1 2 ACGT\n"
+                        "H2 1 ACGA }\n");
     ASSERT_EQ(t.result, 1) << t.log;
     EXPECT_EQ(t.samples[0]->nb_haplotypes(), 2);
 }
 
 TEST(Samples, TheOpeningLineMayHoldDataOrLackTheBrace) {
-    ProjectText const same(profile_text("DNA") + "[[Samples]]\nSampleName=\"a\"\nSampleSize=1\nSampleData={ H1 1 ACGT }\n");
+    ProjectText const same(profile_text("DNA") +
+                           "[[Samples]]\nSampleName=\"a\"\nSampleSize=1\nSampleData={ H1 1 ACGT }\n");
     ASSERT_EQ(same.result, 1) << same.log;
     EXPECT_EQ(same.samples[0]->nb_haplotypes(), 1);
-    ProjectText const next(profile_text("DNA") + "[[Samples]]\nSampleName=\"a\"\nSampleSize=1\nSampleData=\n{\nH1 1 ACGT\n}\n");
+    ProjectText const next(profile_text("DNA") +
+                           "[[Samples]]\nSampleName=\"a\"\nSampleSize=1\nSampleData=\n{\nH1 1 ACGT\n}\n");
     ASSERT_EQ(next.result, 1) << next.log;
     EXPECT_EQ(next.samples[0]->nb_haplotypes(), 1);
 }
@@ -79,8 +82,9 @@ TEST(Samples, EveryDataTypeIsRead) {
 }
 
 TEST(Samples, FrequencyDataHaveNoGenotypes) {
-    ProjectText const t("[Profile]\nNbSamples=1\nDataType=FREQUENCY\nGenotypicData=1\nGameticPhase=0\n[Data]\n[[Samples]]\n" +
-                        sample_text("a", "3", "H1 2\nH2 1\n"));
+    ProjectText const t(
+        "[Profile]\nNbSamples=1\nDataType=FREQUENCY\nGenotypicData=1\nGameticPhase=0\n[Data]\n[[Samples]]\n" +
+        sample_text("a", "3", "H1 2\nH2 1\n"));
     ASSERT_EQ(t.result, 1) << t.log;
     EXPECT_EQ(t.profile.GenotypicData, 0);
     EXPECT_TRUE(t.logs("Line #7 : FREQUENCY data have no genotypes"));
@@ -105,8 +109,9 @@ TEST(Samples, ACustomSeparatorPartsLociOnly) {
 TEST(Samples, ASizeThatDiffersFromTheSumIsError141AndTheSumStands) {
     ProjectText const t(haplotypic("DNA", "H1 2 ACGT\nH2 3 ACGA\n", "0"));
     ASSERT_EQ(t.result, 1) << t.log;
-    EXPECT_TRUE(t.logs("\"Population::New_read_gametic_data() (SampleSize=0; Sum. Freq.=5)\" : sum of haplotype "
-                       "frequencies do not match specified sample size : adjusting sample size"));
+    EXPECT_TRUE(
+        t.logs("\"Population::New_read_gametic_data() (SampleSize=0; Sum. Freq.=5)\" : sum of haplotype "
+               "frequencies do not match specified sample size : adjusting sample size"));
     EXPECT_EQ(t.samples[0]->sample_size(), 5.0);
     EXPECT_EQ(t.samples[0]->inverse_sample_size(), 0.2);
 }
@@ -134,8 +139,9 @@ TEST(Samples, RelativeFrequenciesThatMissOneAreError174) {
     ProjectText const t(profile_text("DNA", 1, "NONE", "\nFrequency=REL") + "[[Samples]]\n" +
                         sample_text("a", "40", "H1 0.75 ACGT\nH2 0.248 ACGA\n"));
     ASSERT_EQ(t.result, 1);
-    EXPECT_TRUE(t.logs("\"Population::New_read_gametic_data() sum of Relative frequencies=0.998000\" : Sum of elements "
-                       "should be equal to 1"));
+    EXPECT_TRUE(
+        t.logs("\"Population::New_read_gametic_data() sum of Relative frequencies=0.998000\" : Sum of elements "
+               "should be equal to 1"));
     ProjectText const close(profile_text("DNA", 1, "NONE", "\nFrequency=REL") + "[[Samples]]\n" +
                             sample_text("a", "40", "H1 0.75 ACGT\nH2 0.249 ACGA\n"));
     EXPECT_FALSE(close.logs("Sum of elements"));
@@ -171,8 +177,9 @@ TEST(Samples, AHaplotypeTwiceInASampleIsOneEntry) {
 TEST(Samples, TwoDefinitionsOfOneHaplotypeStopTheReading) {
     ProjectText const t(haplotypic("DNA", "H1 2 ACGT\nH1 1 ACGA\n"));
     EXPECT_EQ(t.result, 0);
-    EXPECT_TRUE(t.logs("\tDefinition of haplotype H1 does not match its previous definition, aborting reading "
-                       "project.\n"));
+    EXPECT_TRUE(
+        t.logs("\tDefinition of haplotype H1 does not match its previous definition, aborting reading "
+               "project.\n"));
     EXPECT_TRUE(t.logs("unable to read sample data"));
     EXPECT_TRUE(t.logs("\tProblems in reading Samples section... aborting reading  project file.\n"));
     EXPECT_EQ(t.samples.NbPopulations(), 0);
@@ -181,13 +188,15 @@ TEST(Samples, TwoDefinitionsOfOneHaplotypeStopTheReading) {
 TEST(Samples, AnotherNumberOfLociThanInTheProjectsFirstHaplotype) {
     ProjectText const same(haplotypic("DNA", "H1 2 ACGT\nH2 1 ACG\n"));
     EXPECT_EQ(same.result, 0);
-    EXPECT_TRUE(same.logs("\tNumber of loci for haplotype \"H2\" is different (3) from that previously defined (4) on "
-                          "line 14\n"));
+    EXPECT_TRUE(
+        same.logs("\tNumber of loci for haplotype \"H2\" is different (3) from that previously defined (4) on "
+                  "line 14\n"));
     ProjectText const other(profile_text("MICROSAT", 2, "WHITESPACE") + "[[Samples]]\n" +
                             sample_text("a", "2", "H1 2 12 13\n") + sample_text("b", "3", "H3 3 12 13 14\n"));
     EXPECT_EQ(other.result, 0);
-    EXPECT_TRUE(other.logs("\tNumber of loci for haplotype \"H3\" is different (3) from that previously defined (2) on "
-                           "line 18\n"));
+    EXPECT_TRUE(
+        other.logs("\tNumber of loci for haplotype \"H3\" is different (3) from that previously defined (2) on "
+                   "line 18\n"));
     EXPECT_EQ(other.samples.NbPopulations(), 1);
 }
 
@@ -217,11 +226,12 @@ TEST(Samples, FrequenciesThatCannotBeRead) {
 
 TEST(Samples, ASectionBeforeTheClosingBraceIsError194) {
     for (char const* next : {"SampleName=\"b\"", "[[Structure]]", "[[Mantel]]"}) {
-        ProjectText const t(profile_text("DNA") + "[[Samples]]\nSampleName=\"a\"\nSampleSize=2\nSampleData={\nH1 2 ACGT\n" +
-                            next + "\n");
+        ProjectText const t(profile_text("DNA") +
+                            "[[Samples]]\nSampleName=\"a\"\nSampleSize=2\nSampleData={\nH1 2 ACGT\n" + next + "\n");
         EXPECT_EQ(t.result, 0);
-        EXPECT_TRUE(t.logs("\tMissing closing brace for sample \"a\". New section found on line 14 before finding "
-                           "closing brace.  Aborting reading procedure\n"))
+        EXPECT_TRUE(
+            t.logs("\tMissing closing brace for sample \"a\". New section found on line 14 before finding "
+                   "closing brace.  Aborting reading procedure\n"))
             << t.log;
         EXPECT_TRUE(t.logs("missing closing brace in Sampledata definition"));
     }
@@ -235,8 +245,9 @@ TEST(Samples, TheEndOfTheFileBeforeTheClosingBraceIsError194) {
 }
 
 TEST(Samples, WithAHaplotypeListEntriesAreIdAndFrequency) {
-    std::string const head = profile_text("DNA") +
-                             "[[HaplotypeDefinition]]\nHaplListName=\"l\"\nHaplList={\nH1 ACGT\nH2 ACGA\n}\n[[Samples]]\n";
+    std::string const head =
+        profile_text("DNA") +
+        "[[HaplotypeDefinition]]\nHaplListName=\"l\"\nHaplList={\nH1 ACGT\nH2 ACGA\n}\n[[Samples]]\n";
     ProjectText const t(head + sample_text("a", "3", "H2 2\nH1 1\n"));
     ASSERT_EQ(t.result, 1) << t.log;
     EXPECT_EQ(t.haplotypes.name, "l");
@@ -247,8 +258,9 @@ TEST(Samples, WithAHaplotypeListEntriesAreIdAndFrequency) {
     EXPECT_TRUE(unknown.logs("\tHaplotype \"H9\" listed on line 20 is undefined. Aborting reading project.\n"));
     ProjectText const loci(head + sample_text("a", "3", "H2 2 ACG\n"));
     EXPECT_EQ(loci.result, 0);
-    EXPECT_TRUE(loci.logs("\tNumber of loci for haplotype \"H2\" is different (3) from that previously defined (4) on "
-                          "line 19\n"));
+    EXPECT_TRUE(
+        loci.logs("\tNumber of loci for haplotype \"H2\" is different (3) from that previously defined (4) on "
+                  "line 19\n"));
 }
 
 TEST(Samples, GenotypesHaveTwoLines) {
@@ -270,8 +282,9 @@ TEST(Samples, GenotypesHaveTwoLines) {
 TEST(Samples, ASizeThatDiffersFromTheIndividualsIsError148) {
     ProjectText const t(genotypic("i1 1 12 14\n13 14\n", "20"));
     ASSERT_EQ(t.result, 1);
-    EXPECT_TRUE(t.logs("\"Population::New_read_genotypic_data() (SampleSize=20; Sum. Freq.=1)\" : sum of genotype "
-                       "frequencies do not match specified sample size : adjusting sample size"));
+    EXPECT_TRUE(
+        t.logs("\"Population::New_read_genotypic_data() (SampleSize=20; Sum. Freq.=1)\" : sum of genotype "
+               "frequencies do not match specified sample size : adjusting sample size"));
     EXPECT_EQ(t.samples[0]->sample_size(), 2.0);
 }
 
@@ -295,10 +308,12 @@ TEST(Samples, GenotypeFaults) {
              Case{"i1 1 12 a\n12 13\n", "\tUnable to read genotype \"i1\" definition on line 14\n"},
              Case{"i1 1 12 13\n12 b\n", "\tUnable to read phenotype \"i1\" definition on line 15\n"},
              Case{"i1 1 12 13\n", "\tUnable to read phenotype \"i1\" definition on line 15\n"},
-             Case{"i1 1 12 13\n12 13 14\n",
-                  "\tNumber of loci for genotype \"i1\" is different (3) from that previously defined (2) on line 15\n"},
-             Case{"i1 1 12 13\n12 13\ni2 1 12\n13\n",
-                  "\tNumber of loci for genotype \"i2\" is different (1) from that previously defined (2) on line 16\n"},
+             Case{
+                 "i1 1 12 13\n12 13 14\n",
+                 "\tNumber of loci for genotype \"i1\" is different (3) from that previously defined (2) on line 15\n"},
+             Case{
+                 "i1 1 12 13\n12 13\ni2 1 12\n13\n",
+                 "\tNumber of loci for genotype \"i2\" is different (1) from that previously defined (2) on line 16\n"},
              // The second line is missing: the next individual's first line is taken for it.
              Case{"7 1 12 13\n8 1 12 13\n9 1 12 13\n",
                   "\tNumber of loci for genotype \"7\" is different (4) from that previously defined (2) on line 15\n"},
@@ -318,11 +333,12 @@ TEST(Samples, ASectionBetweenTheTwoLinesIsAMissingBrace) {
 }
 
 TEST(Samples, LociOfALaterSampleAreComparedWithTheProjectsFirstGenotype) {
-    ProjectText const t(genotypic_profile_text("STANDARD", 2) + "[[Samples]]\n" + sample_text("a", "1", "i1 1 A B\nA A\n") +
-                        sample_text("b", "1", "i2 1 A\nA\n"));
+    ProjectText const t(genotypic_profile_text("STANDARD", 2) + "[[Samples]]\n" +
+                        sample_text("a", "1", "i1 1 A B\nA A\n") + sample_text("b", "1", "i2 1 A\nA\n"));
     EXPECT_EQ(t.result, 0);
-    EXPECT_TRUE(t.logs("\tNumber of loci for genotype \"i2\" is different (1) from that previously defined (2) on line "
-                       "20\n"));
+    EXPECT_TRUE(
+        t.logs("\tNumber of loci for genotype \"i2\" is different (1) from that previously defined (2) on line "
+               "20\n"));
 }
 
 TEST(Samples, WithoutANameIsError207AndEachSampleNeedsItsOwn) {
@@ -367,16 +383,18 @@ TEST(Samples, AWrongNumberIsReportedAndAdjusted) {
     ProjectText const end(profile_text("DNA", 3) + "[[Samples]]\n" + sample_text("a", "1", "H1 1 A\n"));
     ASSERT_EQ(end.result, 1) << end.log;
     EXPECT_TRUE(end.logs("\"Samples::NewRead()\" : invalid value for \"NbSamples\""));
-    EXPECT_TRUE(end.logs("Warning: 1 samples are actually listed in project file, while \n3 are defined in the "
-                         "[[Profile]] section. Adjusting no. of samples...\n"));
+    EXPECT_TRUE(
+        end.logs("Warning: 1 samples are actually listed in project file, while \n3 are defined in the "
+                 "[[Profile]] section. Adjusting no. of samples...\n"));
     EXPECT_EQ(end.profile.NbSamples, 1);
     EXPECT_EQ(end.samples.NbSamples, 1);
     EXPECT_EQ(end.structure.NbSamples, 1);
     ProjectText const line(profile_text("DNA", 1) + "[[Samples]]\n" + sample_text("a", "1", "H1 1 A\n") +
                            sample_text("b", "1", "H1 1 A\n") + "[[Structure]]\nNbGroups=1\nGroup={\n\"a\"\n}\n");
     ASSERT_EQ(line.result, 1) << line.log;
-    EXPECT_TRUE(line.logs("Warning: 2 samples are actually listed in project file, while 1 are defined in the "
-                          "[[Profile]] section\n"));
+    EXPECT_TRUE(
+        line.logs("Warning: 2 samples are actually listed in project file, while 1 are defined in the "
+                  "[[Profile]] section\n"));
     EXPECT_EQ(line.profile.NbSamples, 2);
 }
 
@@ -411,8 +429,9 @@ TEST(Samples, AMissingExternalFileStopsTheReading) {
     ProjectText const t(profile_text("DNA") +
                         "[[Samples]]\nSampleName=\"a\"\nSampleSize=3\nSampleData= EXTERN \"absent.txt\"\n");
     EXPECT_EQ(t.result, 0);
-    EXPECT_TRUE(t.logs("\tWarning: External file \"absent.txt\" listed on line 12 cannot be open. Check that it "
-                       "exists...\n"));
+    EXPECT_TRUE(
+        t.logs("\tWarning: External file \"absent.txt\" listed on line 12 cannot be open. Check that it "
+               "exists...\n"));
     ProjectText const unnamed(profile_text("DNA") + "[[Samples]]\nSampleName=\"a\"\nSampleData= EXTERN absent.txt\n");
     EXPECT_EQ(unnamed.result, 0);
     EXPECT_TRUE(unnamed.logs("Line #11 : No open quote after keyword 'Extern sample data'\n"));

@@ -22,8 +22,9 @@ std::string project_with(std::string const& section) {
 }
 
 TEST(StructureReading, GroupsHoldSamplesInOrder) {
-    ProjectText const t(project_with("StructureName=\"two # groups\"\nNbGroups=2\n# note\nGroup={\n\"b\" \"a\"\n}\n"
-                                     "Group={\n\"d\" # not c\n}\n"));
+    ProjectText const t(
+        project_with("StructureName=\"two # groups\"\nNbGroups=2\n# note\nGroup={\n\"b\" \"a\"\n}\n"
+                     "Group={\n\"d\" # not c\n}\n"));
     EXPECT_TRUE(t.logs("Opened quote not closed"));  // the comment sign cuts the name
     EXPECT_TRUE(t.logs("\tWarning: Bad value assigned to StructureName on line 31\n"));
     EXPECT_TRUE(t.logs("invalid value assigned to \"StructureName\""));
@@ -64,8 +65,9 @@ TEST(StructureReading, AnExternalDefinitionIsPassedOver) {
     ProjectText const t(project_with("StructureName= EXTERN \"file\"\nNbGroups=9\nGroup={\n\"nobody\"\n}\n"));
     EXPECT_EQ(t.result, 1) << t.log;
     EXPECT_TRUE(t.logs("External definition of the \"Genetic Structure\" is not supported anymore in ver 3"));
-    EXPECT_TRUE(t.logs("\tWarning: External definition of the GENETIC STRUCTURE is not possible anymore.\n"
-                       "\tPlease incorporate it into the project. Skipping reading of the Genetic structure.\n"));
+    EXPECT_TRUE(
+        t.logs("\tWarning: External definition of the GENETIC STRUCTURE is not possible anymore.\n"
+               "\tPlease incorporate it into the project. Skipping reading of the Genetic structure.\n"));
     EXPECT_EQ(t.structure.nb_groups(), 0);
     EXPECT_FALSE(t.logs("\"NbGroups\" not found"));
 }
@@ -88,8 +90,9 @@ TEST(StructureReading, ObsoleteKeysAreWarnings) {
     ProjectText const t(project_with("NbGroups=1\nDistMatLabel=\"x\"\nIndividualLevel=0\nGroup={\"a\"}\n"));
     EXPECT_EQ(t.result, 1) << t.log;
     EXPECT_TRUE(t.logs("\tWarning: Keyword \"DistMatLabel\" is obsolete. Skipping keyword.\n"));
-    EXPECT_TRUE(t.logs("\tWarning: Keyword \"IndividualLevel\" defined on line 33 is obsolete. Activation of this option "
-                       "is now made through the interface.\n"));
+    EXPECT_TRUE(
+        t.logs("\tWarning: Keyword \"IndividualLevel\" defined on line 33 is obsolete. Activation of this option "
+               "is now made through the interface.\n"));
 }
 
 TEST(StructureReading, GroupFaults) {
@@ -97,10 +100,11 @@ TEST(StructureReading, GroupFaults) {
         char const *section, *message, *report;
     };
     for (Case const& c : {
-             Case{"Group={\"a\"}\n",
-                  "\tError: Unexpected \"Group\" section found on line 31. Expected number of group is zero. Check that "
-                  "\"NbGroups\" has been previously defined. Aborting reading project.\n",
-                  ""},
+             Case{
+                 "Group={\"a\"}\n",
+                 "\tError: Unexpected \"Group\" section found on line 31. Expected number of group is zero. Check that "
+                 "\"NbGroups\" has been previously defined. Aborting reading project.\n",
+                 ""},
              Case{"NbGroups=1\nGroup=\n\"a\"\n}\n",
                   "\tError: Missing opening brace in Group #1. Aborting reading project\n", ""},
              Case{"NbGroups=1\nGroup={\n\"a\"\n",
@@ -109,10 +113,11 @@ TEST(StructureReading, GroupFaults) {
              Case{"NbGroups=1\nGroup={\n\"a\"\n[[Mantel]]\n",
                   "\tError: Missing closing brace in Group #1. Aborting reading project\n",
                   "missing closing brace for group definition"},
-             Case{"NbGroups=1\nGroup={\n\"a\"\n\"z\"\n}\n",
-                  "\tError: Sample \"z\" defined in Group #1 on line 34 has not been defined in the [Samples] section.\n"
-                  "\tAborting reading project.\n",
-                  "unknown sample name"},
+             Case{
+                 "NbGroups=1\nGroup={\n\"a\"\n\"z\"\n}\n",
+                 "\tError: Sample \"z\" defined in Group #1 on line 34 has not been defined in the [Samples] section.\n"
+                 "\tAborting reading project.\n",
+                 "unknown sample name"},
              Case{"NbGroups=2\nGroup={\"a\" \"b\"}\nGroup={\"c\"\n\"a\"}\n",
                   "\tError: Sample \"a\" defined in Group #2 on line 34 has been alredy included in group #1.\n",
                   "sample included twice in a group"},
@@ -144,10 +149,12 @@ TEST(StructureReading, AnUnclosedQuoteHidesTheRestOfItsLine) {
 TEST(StructureReading, MissingKeysAreToldInTheEnd) {
     ProjectText const t(project_with("StructureName=\"x\"\n"));
     EXPECT_EQ(t.result, 0);
-    EXPECT_TRUE(t.logs("\tKeyword \"NbGroups\" not found in Structure section. Unknown number of groups to read. Check "
-                       "your project file.\n"));
-    EXPECT_TRUE(t.logs("\tKeyword \"Group\" not found in Structure section. No groups definition could be read. Check "
-                       "your project file.\n"));
+    EXPECT_TRUE(
+        t.logs("\tKeyword \"NbGroups\" not found in Structure section. Unknown number of groups to read. Check "
+               "your project file.\n"));
+    EXPECT_TRUE(
+        t.logs("\tKeyword \"Group\" not found in Structure section. No groups definition could be read. Check "
+               "your project file.\n"));
     EXPECT_TRUE(t.logs("missing required keywords definition in project file"));
 }
 
@@ -158,13 +165,15 @@ TEST(Structure, IsWrittenInProjectFileFormAndPrintedEscaped) {
     ASSERT_EQ(t.result, 1) << t.log;
     std::ostringstream file, document;
     file << t.structure;
-    EXPECT_EQ(file.str(),
-              "\n\t[[Structure]]\n\n\t\tStructureName = \"s\"\n\t\tNbGroups = 2\n\t#Group1\n\t\tGroup={\n\t\t\"a<b\"\n\t\t}\n"
-              "\t#Group2\n\t\tGroup={\n\t\t\"c\"\n\t\t}\n");
+    EXPECT_EQ(
+        file.str(),
+        "\n\t[[Structure]]\n\n\t\tStructureName = \"s\"\n\t\tNbGroups = 2\n\t#Group1\n\t\tGroup={\n\t\t\"a<b\"\n\t\t}\n"
+        "\t#Group2\n\t\tGroup={\n\t\t\"c\"\n\t\t}\n");
     t.structure.print_structure(document);
-    EXPECT_EQ(document.str(),
-              "\n\nGenetic structure to test :\n---------------------------\nNo. of Groups = 2\n\t#Group1\n\t\tGroup={\n"
-              "\t\t\"a&lt;b\"\n\t\t}\n\t#Group2\n\t\tGroup={\n\t\t\"c\"\n\t\t}\n");
+    EXPECT_EQ(
+        document.str(),
+        "\n\nGenetic structure to test :\n---------------------------\nNo. of Groups = 2\n\t#Group1\n\t\tGroup={\n"
+        "\t\t\"a&lt;b\"\n\t\t}\n\t#Group2\n\t\tGroup={\n\t\t\"c\"\n\t\t}\n");
 }
 
 TEST(Structure, GroupsAreMergedInOrder) {

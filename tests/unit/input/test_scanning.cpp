@@ -1,10 +1,9 @@
 // The scanning helpers: line by line, by stream, and on files.
-#include "input/public.h"
-
 #include <gtest/gtest.h>
 
 #include <sstream>
 
+#include "input/public.h"
 #include "support/fresh_process.h"
 #include "support/scratch_directory.h"
 
@@ -228,8 +227,7 @@ TEST(SkipComments, AnotherCharacterIsError100) {
     FreshProcess fresh;
     std::istringstream is("  %x");
     EXPECT_EQ(skip_comments(is), 0);
-    EXPECT_TRUE(has(fresh.log(),
-                    " ** a_public::skip_comments_l_253:the character is not the expected one c:%"));
+    EXPECT_TRUE(has(fresh.log(), " ** a_public::skip_comments_l_253:the character is not the expected one c:%"));
     EXPECT_TRUE(has(fresh.log(), "\"skip_comments(ifstream& ifs) (\"%\")\" : invalid character in input file"));
     EXPECT_EQ(is.get(), 'x');
 }
@@ -337,8 +335,9 @@ TEST(PositionAfter, ReportsTheStepThatFailed) {
     struct Case {
         char const *section, *sub_section, *keyword, *function;
     };
-    for (Case const& c : {Case{"nothing", "", "", "position_after() (1)"}, Case{"data", "mantel", "", "position_after() (2)"},
-                          Case{"profile", "", "nbgroups", "position_after() (4)"}}) {
+    for (Case const& c :
+         {Case{"nothing", "", "", "position_after() (1)"}, Case{"data", "mantel", "", "position_after() (2)"},
+          Case{"profile", "", "nbgroups", "position_after() (4)"}}) {
         FreshProcess fresh;
         std::istringstream is(project_text);
         EXPECT_EQ(position_after(is, c.section, c.sub_section, c.keyword), 0);
