@@ -43,8 +43,8 @@ public:
     Sample(std::size_t k, std::size_t sites, Content content) : sequences_(make_sequences(k, sites, content)) {
         set_.AllowedLevelOfMissingData = 1.0;
         for (std::size_t i = 0; i < k; ++i) {
-            definitions_.push_back(std::make_unique<tov::HaploDef>(tov::my_string(static_cast<int>(i)),
-                                                                   tov::my_string(sequences_[i])));
+            definitions_.push_back(
+                std::make_unique<tov::HaploDef>(tov::my_string(static_cast<int>(i)), tov::my_string(sequences_[i])));
             pop_.haplotypes.Add(new tov::PHaploDef(definitions_.back().get(), 1));
             bytes_ += sequences_[i];
         }

@@ -91,9 +91,7 @@ namespace {
 
 void print_sample_banner(SampleRun& run) {
     run.pop.print_population_anchor(2, run.set, run.pop.pooled != 0 ? "group" : "samp");
-    run.out << '\n'
-            << rule{79, '='} << "\n== Sample : \t" << doc_text(run.name()) << "\n\n"
-            << rule{79, '='} << "\n\n";
+    run.out << '\n' << rule{79, '='} << "\n== Sample : \t" << doc_text(run.name()) << "\n\n" << rule{79, '='} << "\n\n";
 }
 
 /// The preparation for permutations of the structure analyses: allele vectors alone.

@@ -51,11 +51,11 @@ public:
     /// Gene copies, truncated.
     [[nodiscard]] int copies() const;
 
-    PopGenetics& pop;         // borrowed
-    settings& set;            // borrowed
-    std::ostream& out;        // borrowed: the result document
-    std::ostream& console;    // borrowed: the log
-    BlockWords const& words;  // borrowed
+    PopGenetics& pop;             // borrowed
+    settings& set;                // borrowed
+    std::ostream& out;            // borrowed: the result document
+    std::ostream& console;        // borrowed: the log
+    BlockWords const& words;      // borrowed
     bool diversity_done = false;  ///< the block of molecular diversity has left its values in the sample
 
 private:

@@ -128,8 +128,8 @@ void print_sample_sizes(SampleRun& run) {
     }
     run.out << padded("Allowed level of missing data") << ": " << num{100.0 * set.AllowedLevelOfMissingData, 0, 2}
             << " %\n\n";
-    append(ofs_mol_div, {set.DeletionWeight, set.TransitionWeight, set.TranversionWeight,
-                         set.AllowedLevelOfMissingData});
+    append(ofs_mol_div,
+           {set.DeletionWeight, set.TransitionWeight, set.TranversionWeight, set.AllowedLevelOfMissingData});
 }
 
 void print_substitution_counts(SampleRun& run, SubstitutionCounts const& c) {
@@ -160,18 +160,16 @@ void print_site_numbers(SampleRun& run) {
         print_count(run, "Number of observed loci", run.pop.nb_loci());
         print_count(run, "Number of usable loci", run.pop.nb_usable_loci());
     }
-    for (int const n : {c.transitions, c.transversions, c.substitutions, c.indels, run.pop.numPolymSites(),
-                        c.transition_sites, c.transversion_sites, c.substitution_sites, c.indel_sites,
-                        run.pop.nb_loci(), run.pop.nb_usable_loci()}) {
+    for (int const n :
+         {c.transitions, c.transversions, c.substitutions, c.indels, run.pop.numPolymSites(), c.transition_sites,
+          c.transversion_sites, c.substitution_sites, c.indel_sites, run.pop.nb_loci(), run.pop.nb_usable_loci()}) {
         append(ofs_mol_div, {static_cast<double>(n)});
     }
 }
 
 void print_composition(SampleRun& run, NucleotideFrequencies const& f) {
     run.out << "\nNucleotide composition (Relative values)";
-    auto line = [&run](std::string_view text, double share) {
-        run.out << text << num{100.0 * share, 8, 2} << " %";
-    };
+    auto line = [&run](std::string_view text, double share) { run.out << text << num{100.0 * share, 8, 2} << " %"; };
     double const total = f.c + f.t + f.a + f.g;
     line("\n   C :", f.c);
     line("\n   T :", f.t);
@@ -306,8 +304,8 @@ void begin_molecular_row(SampleRun& run) { begin_batch_row(ofs_mol_div, settings
 void write_diversity_values(SampleRun& run) {
     PopGenetics const& pop = run.pop;
     if (ofs_mol_div) {
-        print_batch_values(ofs_mol_div, {pop.pi(), pop.sd_pi(), pop.nucleotide_diversity(),
-                                         pop.sd_nucleotide_diversity()});
+        print_batch_values(ofs_mol_div,
+                           {pop.pi(), pop.sd_pi(), pop.nucleotide_diversity(), pop.sd_nucleotide_diversity()});
     }
 }
 

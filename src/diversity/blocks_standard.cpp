@@ -14,7 +14,9 @@ namespace {
 
 constexpr int heading_length = 31;
 
-void print_heading(SampleRun& run) { sample_heading(run.out, "Standard diversity indices", run.name(), heading_length); }
+void print_heading(SampleRun& run) {
+    sample_heading(run.out, "Standard diversity indices", run.name(), heading_length);
+}
 
 void print_recessive_refusal(SampleRun& run) {
     run.out << "Most standard diversity indices cannot be computed \n"
@@ -31,9 +33,10 @@ void print_sizes(SampleRun& run) {
     if (run.shows_original_number()) {
         run.out << run.words.original << pop.nb_original_haplotypes;
     }
-    run.out << "\nNo. of loci              : " << pop.nb_loci() << "\nNo. of usable loci       : " << pop.nb_usable_loci()
-            << " loci with less than " << num{100.0 * run.set.AllowedLevelOfMissingData, 5, 2} << " % missing data"
-            << run.words.polymorphic << pop.numPolymSites() << '\n';
+    run.out << "\nNo. of loci              : " << pop.nb_loci()
+            << "\nNo. of usable loci       : " << pop.nb_usable_loci() << " loci with less than "
+            << num{100.0 * run.set.AllowedLevelOfMissingData, 5, 2} << " % missing data" << run.words.polymorphic
+            << pop.numPolymSites() << '\n';
 }
 
 void print_locus_tables(SampleRun& run) {

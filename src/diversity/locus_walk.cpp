@@ -57,8 +57,7 @@ LocusWalk::LocusWalk(Population const& sample) : sample_(&sample) {
     }
 }
 
-LocusWalk::LocusWalk(Population const& sample, TPhenDB const& phenotypes)
-    : sample_(&sample), phenotypes_(&phenotypes) {
+LocusWalk::LocusWalk(Population const& sample, TPhenDB const& phenotypes) : sample_(&sample), phenotypes_(&phenotypes) {
     for (int i = 0; i < phenotypes.size(); ++i) {
         nb_loci_ = std::max(nb_loci_, phenotypes.phenotype(i).pheno_length());
     }

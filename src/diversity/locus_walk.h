@@ -25,8 +25,8 @@ struct LocusCounts {
 };
 
 /// Alleles that do not count.
-struct MissingOnly {};        ///< the missing-data label
-struct MissingOrAmbiguous {}; ///< that, and the codes that stand for several bases
+struct MissingOnly {};         ///< the missing-data label
+struct MissingOrAmbiguous {};  ///< that, and the codes that stand for several bases
 
 /// Letter that stands for more than one base: R Y M K S W B D H V N.
 [[nodiscard]] bool is_ambiguous_base(char c) noexcept;

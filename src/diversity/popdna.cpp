@@ -102,7 +102,8 @@ int PopulDNA::tamnei_dist(char const* s1, char const* s2) { return one_pair(TAMU
 
 void PopulDNA::report_failure(DistanceStatus status) {
     switch (status) {
-        case DistanceStatus::ok: break;
+        case DistanceStatus::ok:
+            break;
         case DistanceStatus::jukes_cantor_divergent:
             E.error(ErrorType::Warning, "PopulDNA::jk_dist()", 162);
             break;

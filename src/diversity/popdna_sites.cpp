@@ -67,8 +67,11 @@ unsigned char PopulDNA::class_of_site(std::size_t site, std::span<std::string_vi
             case SiteClass::deletion:
                 flags |= weights_.deletion > 0.0 ? has_deletion : 0;
                 break;
-            case SiteClass::ambiguous: flags |= has_other; break;
-            case SiteClass::none: break;
+            case SiteClass::ambiguous:
+                flags |= has_other;
+                break;
+            case SiteClass::none:
+                break;
         }
     }
     return flags;

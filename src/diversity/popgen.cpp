@@ -32,14 +32,43 @@ void PopGenetics::initialize() {
     Population::initialize();
     clean();
     locus_table_.clear();
-    for (double* const statistic :
-         {&F_, &sample_homozygosity_, &sample_heterozygosity_, &sd_sample_heterozygosity_, &obs_pheno_het_,
-          &exp_pheno_het_, &pi_, &sd_pi_, &nucleotide_diversity_, &sd_nucleotide_diversity_, &theta_hom_,
-          &sd_theta_hom_, &theta_S_, &sd_theta_S_, &theta_pi_, &sd_theta_pi_, &theta_k_, &theta_k_inf_,
-          &theta_k_sup_, &tajima_D_, &p_tajima_D_, &fus_FS_, &p_fus_FS_, &obs_F_, &exp_F_, &p_homoz_test_,
-          &p_exact_neutr_tst_, &p_chakrab_test_, &exp_num_alleles_, &obs_exact_statistic_, &mismatch_mean_,
-          &mismatch_variance_, &mismatch_tau_, &mismatch_theta_, &mismatch_raggedness_, &mismatch_chi2_,
-          &mismatch_p_chi2_}) {
+    for (double* const statistic : {&F_,
+                                    &sample_homozygosity_,
+                                    &sample_heterozygosity_,
+                                    &sd_sample_heterozygosity_,
+                                    &obs_pheno_het_,
+                                    &exp_pheno_het_,
+                                    &pi_,
+                                    &sd_pi_,
+                                    &nucleotide_diversity_,
+                                    &sd_nucleotide_diversity_,
+                                    &theta_hom_,
+                                    &sd_theta_hom_,
+                                    &theta_S_,
+                                    &sd_theta_S_,
+                                    &theta_pi_,
+                                    &sd_theta_pi_,
+                                    &theta_k_,
+                                    &theta_k_inf_,
+                                    &theta_k_sup_,
+                                    &tajima_D_,
+                                    &p_tajima_D_,
+                                    &fus_FS_,
+                                    &p_fus_FS_,
+                                    &obs_F_,
+                                    &exp_F_,
+                                    &p_homoz_test_,
+                                    &p_exact_neutr_tst_,
+                                    &p_chakrab_test_,
+                                    &exp_num_alleles_,
+                                    &obs_exact_statistic_,
+                                    &mismatch_mean_,
+                                    &mismatch_variance_,
+                                    &mismatch_tau_,
+                                    &mismatch_theta_,
+                                    &mismatch_raggedness_,
+                                    &mismatch_chi2_,
+                                    &mismatch_p_chi2_}) {
         *statistic = -1.0;
     }
     nb_loci_ = 0;
@@ -73,9 +102,7 @@ TTree& PopGenetics::getGeneTree() {
     return *tree_;
 }
 
-void PopGenetics::clean_bnum() {
-    BMat = BnumMat();
-}
+void PopGenetics::clean_bnum() { BMat = BnumMat(); }
 
 int PopGenetics::compute_distance_matrix(std::ostream*, settings*, int) { return 0; }
 int PopGenetics::compute_molecular_diversity(settings&) { return 0; }

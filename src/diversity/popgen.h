@@ -66,7 +66,7 @@ struct LocusMeans {
     MeanSd alleles;
     MeanSd obs_het;  ///< genotypes only
     MeanSd exp_het;
-    MeanSd range;         ///< microsatellites only
+    MeanSd range;             ///< microsatellites only
     MeanSd garza_williamson;  ///< microsatellites only
 };
 
@@ -288,14 +288,14 @@ public:
     int nb_loci_ = 0;
     int nb_usable_loci_ = 0;
     int num_polym_sites_ = 0;
-    std::vector<int> use_site_;           ///< one flag a site: non-zero when usable
-    std::vector<double> missing_share_;   ///< one share of missing data a site
-    int nb_real_haplotypes_ = -1;         ///< haplotypes that differ in the matrix, when that was checked
+    std::vector<int> use_site_;          ///< one flag a site: non-zero when usable
+    std::vector<double> missing_share_;  ///< one share of missing data a site
+    int nb_real_haplotypes_ = -1;        ///< haplotypes that differ in the matrix, when that was checked
 
     // Distance matrix
     std::unique_ptr<RectMat> dist_mat_;  ///< owned; lower triangle distances, upper triangle standard errors
     bool dist_mat_complete_ = false;
-    int max_mismatch_ = 0;               ///< largest distance, truncated
+    int max_mismatch_ = 0;  ///< largest distance, truncated
 
     // Diversity
     LocusTable locus_table_;

@@ -10,11 +10,15 @@ namespace tov {
 
 std::unique_ptr<Population> new_population(TDataType type) {
     switch (type) {
-        case DNA: return std::make_unique<PopulDNA>();
-        case RFLP: return std::make_unique<PopulRFLP>();
-        case MICROSAT: return std::make_unique<PopulMicrosat>();
+        case DNA:
+            return std::make_unique<PopulDNA>();
+        case RFLP:
+            return std::make_unique<PopulRFLP>();
+        case MICROSAT:
+            return std::make_unique<PopulMicrosat>();
         case STANDARD:
-        case FREQUENCY: break;
+        case FREQUENCY:
+            break;
     }
     return std::make_unique<PopulStandard>();
 }

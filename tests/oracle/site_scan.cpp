@@ -10,9 +10,9 @@ namespace {
 std::set<std::string> const transitions = {"AG", "GA", "CT", "TC"};
 std::set<std::string> const transversions = {"AC", "AT", "AY", "CA", "CG", "CR", "GC", "GT", "GY",
                                              "RC", "RT", "RY", "TA", "TG", "TR", "YA", "YG", "YR"};
-std::set<std::string> const ambiguous = {"01", "10", "AB", "AK", "AS", "BA", "CD", "CK", "CW", "DC", "GH",
-                                         "GM", "GW", "HG", "KA", "KC", "KM", "MG", "MK", "MT", "SA", "ST",
-                                         "SW", "TM", "TS", "TV", "VT", "WC", "WG", "WS"};
+std::set<std::string> const ambiguous = {"01", "10", "AB", "AK", "AS", "BA", "CD", "CK", "CW", "DC",
+                                         "GH", "GM", "GW", "HG", "KA", "KC", "KM", "MG", "MK", "MT",
+                                         "SA", "ST", "SW", "TM", "TS", "TV", "VT", "WC", "WG", "WS"};
 std::string const gap_first = "ABCDGHKMNRSTVWY";
 std::string const gap_second = "01ACDGHKMNRSTVWY";
 
@@ -90,10 +90,18 @@ WeightedScan weighted_scan(std::string const& s1, std::string const& s2, std::ve
             continue;
         }
         switch (pair_class(a, b)) {
-            case SiteClass::transition: differ(w.transition); break;
-            case SiteClass::transversion: differ(w.transversion); break;
-            case SiteClass::deletion: differ(w.deletion); break;
-            case SiteClass::none: r.sites += 1; break;
+            case SiteClass::transition:
+                differ(w.transition);
+                break;
+            case SiteClass::transversion:
+                differ(w.transversion);
+                break;
+            case SiteClass::deletion:
+                differ(w.deletion);
+                break;
+            case SiteClass::none:
+                r.sites += 1;
+                break;
             case SiteClass::ambiguous:
                 if (w.transition > 0) {
                     double const least = w.transversion < w.transition ? w.transversion : w.transition;

@@ -14,9 +14,7 @@ class AlleleCodes {
 public:
     AlleleCodes(std::size_t rows, std::size_t loci) : loci_(loci), codes_(rows * loci, 0) {}
     [[nodiscard]] std::span<Code> row(std::size_t i) noexcept { return {codes_.data() + i * loci_, loci_}; }
-    [[nodiscard]] std::span<Code const> row(std::size_t i) const noexcept {
-        return {codes_.data() + i * loci_, loci_};
-    }
+    [[nodiscard]] std::span<Code const> row(std::size_t i) const noexcept { return {codes_.data() + i * loci_, loci_}; }
 
 private:
     std::size_t loci_;
@@ -34,7 +32,7 @@ template <class Code>
         std::size_t const end = n - start < 255 ? n : start + 255;
         Code sum = 0;
         for (std::size_t k = start; k < end; ++k) {
-            sum = static_cast<Code>(sum + static_cast<Code>((a[k] != b[k]) & (a[k] != 0) & (b[k] != 0)));
+            sum = static_cast<Code>(sum + (int{a[k] != b[k]} & int{a[k] != 0} & int{b[k] != 0}));
         }
         total += static_cast<int>(sum);
     }
@@ -57,7 +55,7 @@ template <class Code>
     int count = 0;
     std::size_t const n = a.size() < b.size() ? a.size() : b.size();
     for (std::size_t k = 0; k < n; ++k) {
-        count += (a[k] < b[k]) | (a[k] > b[k]);
+        count += int{a[k] < b[k]} + int{a[k] > b[k]};
     }
     return count;
 }

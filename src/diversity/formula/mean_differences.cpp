@@ -43,8 +43,7 @@ DifferenceMean mean_pairwise_differences(double sum, double n, VarianceRoot root
     }
     double const pi = sum / (0.5 * n * (n - 1.0));
     double const m = square * n * n;
-    double const variance =
-        (3.0 * (n + m) * pi + 2.0 * (3.0 + n + m) * pi * pi) / (6.0 + 11.0 * m - 7.0 * n);
+    double const variance = (3.0 * (n + m) * pi + 2.0 * (3.0 + n + m) * pi * pi) / (6.0 + 11.0 * m - 7.0 * n);
     return {pi, deviation(variance, root)};
 }
 

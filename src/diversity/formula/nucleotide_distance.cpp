@@ -158,9 +158,15 @@ void add_site(PairCounts& c, char a, char b, char missing) noexcept {
     add_base_pair(c, a, b);
     SiteClass const kind = nucleotide_pair_class(a, b);
     switch (kind) {
-        case SiteClass::transition: ++c.transitions; break;
-        case SiteClass::transversion: ++c.transversions; break;
-        case SiteClass::ambiguous: ++c.ambiguous; break;
+        case SiteClass::transition:
+            ++c.transitions;
+            break;
+        case SiteClass::transversion:
+            ++c.transversions;
+            break;
+        case SiteClass::ambiguous:
+            ++c.ambiguous;
+            break;
         case SiteClass::deletion:
         case SiteClass::none:
             ++(kind == SiteClass::none ? c.unclassified : c.deletions);
@@ -379,9 +385,9 @@ void tamura_nei_gamma(TamuraNeiTerms const& t, double a, PairDistance& r) noexce
     double const f = -(1.0 / a + 1.0);
     double const c1 = std::pow(t.w1, f);
     double const c2 = std::pow(t.w2, f);
-    double const c3 = t.k2 / (2.0 * t.gY) * c2 + t.k1 / (2.0 * t.gR) * c1 +
-                      std::pow(t.w3, f) * ((sq(t.gC) + sq(t.gT)) / (2.0 * sq(t.gY)) +
-                                           (sq(t.gA) + sq(t.gG)) / (2.0 * sq(t.gR)));
+    double const c3 =
+        t.k2 / (2.0 * t.gY) * c2 + t.k1 / (2.0 * t.gR) * c1 +
+        std::pow(t.w3, f) * ((sq(t.gC) + sq(t.gT)) / (2.0 * sq(t.gY)) + (sq(t.gA) + sq(t.gG)) / (2.0 * sq(t.gR)));
     r.distance = d;
     r.variance = (c3 * c3 * t.Q + c2 * c2 * t.P2 + c1 * c1 * t.P1 - sq(t.Q * c3 + t.P2 * c2 + t.P1 * c1)) / t.sites;
     r.R = -1.0;

@@ -33,14 +33,14 @@ enum class SiteClass : unsigned char { none = 0, transition = 1, transversion = 
 
 /// Counts of the sites of one pair of sequences by what stands there. Sites equal and missing are counted nowhere.
 struct PairCounts {
-    int equal = 0;            ///< equal characters, neither missing nor '-'
-    int equal_gap = 0;        ///< '-' in both, when '-' is not the missing-data character
-    int transitions = 0;      ///< class transition
-    int transversions = 0;    ///< class transversion, ambiguity codes included
-    int deletions = 0;        ///< class deletion
-    int ambiguous = 0;        ///< class ambiguous
-    int unclassified = 0;     ///< different characters of class none
-    int uncorrectable = 0;    ///< of the classes none and deletion: enter the length of the corrected distances
+    int equal = 0;                ///< equal characters, neither missing nor '-'
+    int equal_gap = 0;            ///< '-' in both, when '-' is not the missing-data character
+    int transitions = 0;          ///< class transition
+    int transversions = 0;        ///< class transversion, ambiguity codes included
+    int deletions = 0;            ///< class deletion
+    int ambiguous = 0;            ///< class ambiguous
+    int unclassified = 0;         ///< different characters of class none
+    int uncorrectable = 0;        ///< of the classes none and deletion: enter the length of the corrected distances
     int uncorrectable_known = 0;  ///< of the classes none and deletion: neither character is missing or '-'
     // Pairs of two different bases out of A, C, G, T, unordered; filled when asked for.
     int ag = 0;
@@ -68,10 +68,10 @@ enum class DistanceStatus {
     ok,
     jukes_cantor_divergent,
     kimura_divergent,
-    base_absent,           ///< Tajima and Nei: a base does not occur, or no pair of bases does
+    base_absent,  ///< Tajima and Nei: a base does not occur, or no pair of bases does
     tajima_nei_divergent,
     tamura_unbalanced,
-    log_of_zero,           ///< Tamura: the ratio needs the logarithm of zero
+    log_of_zero,  ///< Tamura: the ratio needs the logarithm of zero
     tamura_nei_unbalanced,
     tamura_nei_not_finite  ///< Tamura and Nei with gamma: the distance is outside the single-precision range
 };

@@ -52,11 +52,16 @@ constexpr std::size_t fold_every = 31;
 
 int base_code(char c) noexcept {
     switch (c) {
-        case 'A': return 0;
-        case 'G': return 1;
-        case 'C': return 2;
-        case 'T': return 3;
-        default: return -1;
+        case 'A':
+            return 0;
+        case 'G':
+            return 1;
+        case 'C':
+            return 2;
+        case 'T':
+            return 3;
+        default:
+            return -1;
     }
 }
 
@@ -103,8 +108,7 @@ std::vector<char> varying_sites(std::span<std::string_view const> sequences, std
 
 WordCount fastest_word_count() noexcept {
 #if defined(__GNUC__) && defined(__x86_64__)
-    static WordCount const fastest =
-        __builtin_cpu_supports("popcnt") ? WordCount::instruction : WordCount::portable;
+    static WordCount const fastest = __builtin_cpu_supports("popcnt") ? WordCount::instruction : WordCount::portable;
     return fastest;
 #else
     return WordCount::instruction;
@@ -323,7 +327,7 @@ PairCounts NucleotidePlanes::compare_with(std::size_t i, std::size_t j, bool bas
 }
 
 TOV_COUNTING_INSTRUCTION PairCounts NucleotidePlanes::compare_by_instruction(std::size_t i, std::size_t j,
-                                                                            bool base_pairs) const noexcept {
+                                                                             bool base_pairs) const noexcept {
     return compare_with<InstructionCounter>(i, j, base_pairs);
 }
 
@@ -342,13 +346,20 @@ PairCounts NucleotidePlanes::compare(std::size_t i, std::size_t j, bool base_pai
 
 PairDistance nucleotide_distance(NucleotideMethod const& m, PairCounts const& counts) noexcept {
     switch (m.code) {
-        case 1: return jukes_cantor(counts, m.weights, m.gamma_a);
-        case 2: return kimura_2p(counts, m.weights, m.gamma_a);
-        case 3: return proportion_of_difference(counts, m.weights);
-        case 4: return tajima_nei(counts, m.weights, m.frequencies);
-        case 5: return tamura(counts, m.weights, m.frequencies);
-        case 6: return tamura_nei(counts, m.weights, m.frequencies, m.gamma_a);
-        default: return pairwise_difference(counts, m.weights);
+        case 1:
+            return jukes_cantor(counts, m.weights, m.gamma_a);
+        case 2:
+            return kimura_2p(counts, m.weights, m.gamma_a);
+        case 3:
+            return proportion_of_difference(counts, m.weights);
+        case 4:
+            return tajima_nei(counts, m.weights, m.frequencies);
+        case 5:
+            return tamura(counts, m.weights, m.frequencies);
+        case 6:
+            return tamura_nei(counts, m.weights, m.frequencies, m.gamma_a);
+        default:
+            return pairwise_difference(counts, m.weights);
     }
 }
 
@@ -391,8 +402,8 @@ RflpCounts RflpRows::compare(std::size_t i, std::size_t j) const noexcept {
         unsigned char changes = 0;
         unsigned char deletions = 0;
         for (std::size_t k = start; k < end; ++k) {
-            unsigned char const differ = static_cast<unsigned char>((a[k] != b[k]) & (a[k] != missing_) &
-                                                                    (b[k] != missing_));
+            unsigned char const differ =
+                static_cast<unsigned char>((a[k] != b[k]) & (a[k] != missing_) & (b[k] != missing_));
             unsigned char const gap = static_cast<unsigned char>((a[k] == '-') | (b[k] == '-'));
             changes = static_cast<unsigned char>(changes + (differ & (gap ^ 1)));
             deletions = static_cast<unsigned char>(deletions + (differ & gap));

@@ -19,10 +19,10 @@ enum class WordCount { instruction, portable };
 
 /// Aligned DNA sequences packed into bit planes over their usable sites.
 ///
-/// Per sequence six planes of 64-bit words: two of base code (A 00, G 01, C 10, T 11), and one each that marks the sites
-/// with one of the four bases, with '-', with the missing-data character, and with any other character. Sites of the last
-/// plane are looked up one by one. Sites at which all sequences have the same base are only counted. Building costs two
-/// passes over the characters; comparing allocates nothing.
+/// Per sequence six planes of 64-bit words: two of base code (A 00, G 01, C 10, T 11), and one each that marks the
+/// sites with one of the four bases, with '-', with the missing-data character, and with any other character. Sites of
+/// the last plane are looked up one by one. Sites at which all sequences have the same base are only counted. Building
+/// costs two passes over the characters; comparing allocates nothing.
 class NucleotidePlanes {
 public:
     /// @param sequences  k sequences; shorter ones end early, as in count_pair().

@@ -172,10 +172,10 @@ double probability_at_most_alleles(BnumMat const& B, int k, int n, double theta)
 }
 
 ThetaLimits theta_k_limits(BnumMat const& B, int n, int k, double theta, double alpha) {
-    double const high = limit_of_theta([&](double x) { return probability_fewer_alleles(B, k, n, x); }, theta,
-                                       alpha / 2.0);
-    double const low = limit_of_theta([&](double x) { return probability_at_most_alleles(B, k, n, x); }, theta,
-                                      1.0 - alpha / 2.0);
+    double const high =
+        limit_of_theta([&](double x) { return probability_fewer_alleles(B, k, n, x); }, theta, alpha / 2.0);
+    double const low =
+        limit_of_theta([&](double x) { return probability_at_most_alleles(B, k, n, x); }, theta, 1.0 - alpha / 2.0);
     if (!std::isfinite(low) || !std::isfinite(high)) {
         return {};
     }

@@ -23,7 +23,9 @@ std::string one_sample(std::string const& profile, std::string const& size, std:
     return profile + "[[Samples]]\n" + sample_text("one & only", size, data);
 }
 
-std::string dna(std::string const& size, std::string const& data) { return one_sample(profile_text("DNA"), size, data); }
+std::string dna(std::string const& size, std::string const& data) {
+    return one_sample(profile_text("DNA"), size, data);
+}
 
 bool holds(std::string const& text, std::string const& part) { return text.find(part) != std::string::npos; }
 
@@ -53,10 +55,11 @@ TEST_F(Blocks, PrintStandardIndicesOfSequences) {
                       "--------------------------------------\n"
                       "    Mean    10.000   2.00000   0.41111\n    s.d.     0.000   0.00000   0.07857\n"))
         << text;
-    EXPECT_TRUE(holds(text,
-                      "\nHaplotype-level computations\n----------------------------\n\nSum of square freqs.     :  0.3800\n"
-                      "Gene diversity           :  0.6889 +/-  0.1038\n\n"
-                      "(Standard deviation is for the sampling process)\n"))
+    EXPECT_TRUE(
+        holds(text,
+              "\nHaplotype-level computations\n----------------------------\n\nSum of square freqs.     :  0.3800\n"
+              "Gene diversity           :  0.6889 +/-  0.1038\n\n"
+              "(Standard deviation is for the sampling process)\n"))
         << text;
     EXPECT_TRUE(holds(p.log(), "\tComputing standard diversity indices ...\n\tdone !\n"));
 }
@@ -65,8 +68,8 @@ TEST_F(Blocks, PrintTheBannerOfASampleOnlyForAnalysesWithinSamples) {
     AnalysedProject p(dna("2", "a 1 AC\nb 1 AT\n"));
     p.set.print_sample_banner = true;
     std::string const text = p.run(standard);
-    EXPECT_TRUE(holds(text, "\n" + std::string(79, '=') + "\n== Sample : \tone &amp; only\n\n" + std::string(79, '=') +
-                                "\n\n"));
+    EXPECT_TRUE(holds(
+        text, "\n" + std::string(79, '=') + "\n== Sample : \tone &amp; only\n\n" + std::string(79, '=') + "\n\n"));
     EXPECT_LT(text.find("== Sample"), text.find("== Standard"));
     EXPECT_FALSE(holds(p.run(task::pairwise_distances), "== Sample"));
 }
@@ -129,7 +132,8 @@ TEST_F(Blocks, PrintMolecularDiversityOfSequences) {
                       "Number of usable nucleotide sites            : 10\n\n"
                       "Nucleotide composition (Relative values)\n"))
         << text;
-    EXPECT_TRUE(holds(text, "\nDistance method                              : Pairwise difference (no Gamma correction)\n"))
+    EXPECT_TRUE(
+        holds(text, "\nDistance method                              : Pairwise difference (no Gamma correction)\n"))
         << text;
     EXPECT_TRUE(holds(text, "\nMean number of pairwise differences          :     1.044444 +/-     "));
     EXPECT_TRUE(holds(text, "\nNucleotide diversity (average over loci)     :     0.104444 +/-     "));
@@ -259,17 +263,18 @@ TEST_F(Blocks, PrintTheOriginalNumberOfSequencesWhenEqualOnesWereMerged) {
 }
 
 TEST_F(Blocks, PrintGenotypesWithObservedHeterozygosity) {
-    AnalysedProject p(one_sample(genotypic_profile_text("STANDARD"), "4",
-                                 "i 2 A x\n    B x\nj 1 A x\n    A ?\nk 1 A y\n    ? y\n"),
-                      true);
+    AnalysedProject p(
+        one_sample(genotypic_profile_text("STANDARD"), "4", "i 2 A x\n    B x\nj 1 A x\n    A ?\nk 1 A y\n    ? y\n"),
+        true);
     std::string const text = p.run(standard);
     EXPECT_FALSE(holds(text, "No. of haplotypes  "));
     EXPECT_FALSE(holds(text, "Haplotype-level computations"));
     // Locus 1: A 5, B 2; two of three known individuals differ. Locus 2: x 5, y 2; none differs.
     EXPECT_TRUE(holds(text, "       1         7         2   0.66667   0.47619\n")) << text;
     EXPECT_TRUE(holds(text, "       2         7         2   0.00000   0.47619\n")) << text;
-    EXPECT_TRUE(holds(text, "\nNo. of Heterozygotes     : 4\nNo. of Homozygotes       : 0\n"
-                            "Obs.Heter.               : 1.00000\n"))
+    EXPECT_TRUE(holds(text,
+                      "\nNo. of Heterozygotes     : 4\nNo. of Homozygotes       : 0\n"
+                      "Obs.Heter.               : 1.00000\n"))
         << text;
 }
 
@@ -299,9 +304,7 @@ TEST_F(Blocks, RepeatTheirWorkAtASecondCall) {
 /// An open batch table in memory.
 class TableInMemory {
 public:
-    explicit TableInMemory(BatchStream& table) : table_(table) {
-        table_ = std::make_unique<std::ostringstream>();
-    }
+    explicit TableInMemory(BatchStream& table) : table_(table) { table_ = std::make_unique<std::ostringstream>(); }
     ~TableInMemory() { table_.reset(); }
     TableInMemory(TableInMemory const&) = delete;
     TableInMemory& operator=(TableInMemory const&) = delete;
@@ -325,8 +328,9 @@ TEST_F(Blocks, WriteTheRowsOfTheBatchTables) {
     std::string const names = "\"p.tvp\"\t\"one & only\"\t";
     EXPECT_EQ(diversity.text(), names + "10\t3\t10\t10\t2\t0.688889\n");
     EXPECT_EQ(composition.text(), names + "0.25\t0.23\t0.3\t0.22\t1\n");
-    EXPECT_EQ(molecular_table.text(), names + "10\t3\t1\t1\t1\t1\t2\t1\t3\t0\t2\t2\t1\t2\t0\t10\t10\t#Diff\t inf\t"
-                                              "1.04444\t0.755419\t0.104444\t0.085433\n");
+    EXPECT_EQ(molecular_table.text(), names +
+                                          "10\t3\t1\t1\t1\t1\t2\t1\t3\t0\t2\t2\t1\t2\t0\t10\t10\t#Diff\t inf\t"
+                                          "1.04444\t0.755419\t0.104444\t0.085433\n");
     EXPECT_EQ(thetas.text(), names + "\t(S)\t0.706972\t0.538727\n");
 }
 

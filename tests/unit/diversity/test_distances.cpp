@@ -58,8 +58,8 @@ TEST(DnaMatrix, ScalesPerSiteDistancesByTheUsableLoci) {
 }
 
 TEST(DnaMatrix, EqualsTheDistanceOfEachPairUnderEveryMethod) {
-    AnalysedProject p(project("DNA", "a 1 ACGTACGTACGTACGTACGT-A\nb 1 ACGTATGTACGTRCGTAC?TAA\nc 1 ACGTACGTGCGTACTTACGTAA\n",
-                              "3"));
+    AnalysedProject p(
+        project("DNA", "a 1 ACGTACGTACGTACGTACGT-A\nb 1 ACGTATGTACGTRCGTAC?TAA\nc 1 ACGTACGTGCGTACTTACGTAA\n", "3"));
     auto& dna = p.sample_as<PopulDNA>();
     dna.evaluate_polymorphism(p.set);
     using PairFunction = int (PopulDNA::*)(char const*, char const*);
@@ -90,11 +90,11 @@ TEST(DnaMatrix, ThatCannotBeCorrectedIsReportedAndNotUsed) {
         char const* data;
         std::vector<int> codes;
     };
-    for (Case const& c : {Case{1, 0.0, "a 1 ACGT\nb 1 AAAA\n", {162, 136}}, Case{2, 0.0, "a 1 AC\nb 1 GC\n", {163, 136}},
-                          Case{4, 0.0, "a 1 ACT\nb 1 ACC\n", {164, 136}}, Case{5, 0.0, "a 1 AAT\nb 1 AAT\n", {171, 136}},
-                          Case{4, 0.0, "a 1 ACGT\nb 1 CATG\n", {165, 136}},
-                          Case{6, 0.0, "a 1 ACGT\nb 1 GTAC\n", {176, 136}},
-                          Case{6, 0.7, "a 1 ACGT\nb 1 GTAC\n", {176, 136, 136}}}) {
+    for (Case const& c :
+         {Case{1, 0.0, "a 1 ACGT\nb 1 AAAA\n", {162, 136}}, Case{2, 0.0, "a 1 AC\nb 1 GC\n", {163, 136}},
+          Case{4, 0.0, "a 1 ACT\nb 1 ACC\n", {164, 136}}, Case{5, 0.0, "a 1 AAT\nb 1 AAT\n", {171, 136}},
+          Case{4, 0.0, "a 1 ACGT\nb 1 CATG\n", {165, 136}}, Case{6, 0.0, "a 1 ACGT\nb 1 GTAC\n", {176, 136}},
+          Case{6, 0.7, "a 1 ACGT\nb 1 GTAC\n", {176, 136, 136}}}) {
         AnalysedProject p(project("DNA", c.data, "2"));
         auto& dna = p.sample_as<PopulDNA>();
         dna.evaluate_polymorphism(p.set);

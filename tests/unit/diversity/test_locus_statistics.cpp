@@ -1,12 +1,11 @@
 // Statistics of one locus and their means over loci.
-#include "diversity/formula/locus_statistics.h"
-
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <vector>
 
 #include "base/recmat.h"
+#include "diversity/formula/locus_statistics.h"
 #include "diversity/formula/mean_differences.h"
 
 namespace tov {

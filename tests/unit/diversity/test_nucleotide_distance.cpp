@@ -1,12 +1,11 @@
 // Distances between two sequences: reference values, edge cases, and the packed form against the plain scan.
-#include "diversity/formula/nucleotide_distance.h"
-
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <string>
 #include <vector>
 
+#include "diversity/formula/nucleotide_distance.h"
 #include "diversity/formula/site_planes.h"
 #include "oracle/site_scan.h"
 
@@ -27,8 +26,7 @@ PairCounts counts(char const* a, char const* b, char missing = '?') { return cou
 struct Pairs {
     PairCounts p1 = counts("ACGTACGTACGTACGTACGT", "ACGTACGTGCGTACTTACGT");
     PairCounts p2 = counts("ACGT-CGTRCGTACGTNCG?ACGTACG-AA", "ATGTACGTTCGAACGTA?GTACGTGCGTAB");
-    PairCounts p3 =
-        counts("ACGTACGTACGTACGTACGTACGTACGTACGTACGTACGT", "GCGTATGTACTTACGTGCGTACGAACGCACGTCCGTATGT");
+    PairCounts p3 = counts("ACGTACGTACGTACGTACGTACGTACGTACGTACGTACGT", "GCGTATGTACTTACGTGCGTACGAACGCACGTCCGTATGT");
 };
 
 struct Wanted {
@@ -308,8 +306,8 @@ TEST(PairwiseDifference, AgreesWithSummingSiteBySite) {
     Sequences source;
     std::vector<std::string> const s = source.make(8, 300, "ACGT-?BDHKMNRSVWY");
     std::vector<int> const usable(300, 1);
-    for (SiteWeights const w : {ones, uneven, SiteWeights{0, 1, 1}, SiteWeights{2, 0, 0.25}, SiteWeights{0, 0, 0},
-                                SiteWeights{-1, 3, 0.5}}) {
+    for (SiteWeights const w :
+         {ones, uneven, SiteWeights{0, 1, 1}, SiteWeights{2, 0, 0.25}, SiteWeights{0, 0, 0}, SiteWeights{-1, 3, 0.5}}) {
         for (std::size_t i = 1; i < s.size(); ++i) {
             oracle::WeightedScan const wanted = oracle::weighted_scan(s[i], s[i - 1], usable, '?', w);
             PairDistance const d = pairwise_difference(count_pair(s[i], s[i - 1], usable, '?'), w);

@@ -1,6 +1,4 @@
 // Theta estimators, their limits, and Ewens' probabilities, against reference values.
-#include "diversity/formula/theta.h"
-
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -9,6 +7,7 @@
 #include "base/bnum.h"
 #include "diversity/formula/heterozygosity.h"
 #include "diversity/formula/mean_differences.h"
+#include "diversity/formula/theta.h"
 
 namespace tov {
 namespace {
@@ -77,10 +76,9 @@ TEST(ThetaHom, GivesTheReferenceValues) {
     for (std::size_t i = 0; i < 5; ++i) {
         many[i] = i < 2 ? 3.0 : 2.0;
     }
-    for (HomCase const& c :
-         {HomCase{{5, 3, 2}, .38, .6888888889, .1038374799, 1.689129534, .8569834461},
-          HomCase{{10, 4, 3, 2, 1}, .325, .7105263158, .08481791643, 1.882127462, .8175846008},
-          HomCase{many, .03625, .9884615385, .008839174713, 83.75833921, 66.32236016}}) {
+    for (HomCase const& c : {HomCase{{5, 3, 2}, .38, .6888888889, .1038374799, 1.689129534, .8569834461},
+                             HomCase{{10, 4, 3, 2, 1}, .325, .7105263158, .08481791643, 1.882127462, .8175846008},
+                             HomCase{many, .03625, .9884615385, .008839174713, 83.75833921, 66.32236016}}) {
         double n = 0;
         for (double const x : c.counts) {
             n += x;
@@ -176,8 +174,8 @@ TEST(ThetaK, GivesTheReferenceValues) {
         int n, k;
         double theta, low, high;
     };
-    for (Case const& c : {Case{20, 5, 1.804668786, .6512423697, 4.676555009},
-                          Case{50, 12, 4.693605547, 2.382350193, 8.906617267}}) {
+    for (Case const& c :
+         {Case{20, 5, 1.804668786, .6512423697, 4.676555009}, Case{50, 12, 4.693605547, 2.382350193, 8.906617267}}) {
         double const theta = theta_from_alleles(c.n, c.k);
         EXPECT_NEAR(theta, c.theta, 1.01e-7);
         ThetaLimits const limits = theta_k_limits(B, c.n, c.k, theta, 0.05);
