@@ -78,6 +78,8 @@ public:
     void calc_geo_dist();
 
     // --- Summaries (output) ---
+    /// The three below, as far as tasks and data ask for them.
+    void summarise(settings& s);
     void WriteSummaryStatistics(settings& s);
     void computeNumPrivateSubstSitesPerPop(settings& s);
     void computeAndOutputAlleFreqPerPop(settings& s);

@@ -39,6 +39,15 @@ void Samples::compute_stuff(settings& s) {
         population.test_methods(s);
         ++numSamplesAnalysed;
     }
+    summarise(s);
+}
+
+/// What is told of all samples together; nothing when the samples are only prepared for other analyses.
+void Samples::summarise(settings& s) {
+    if (s.TaskNumber == task::prepare_permutations || s.TaskNumber == task::pairwise_distances) return;
+    computeNumPrivateSubstSitesPerPop(s);
+    if (s.check_intrap_pop_task()) WriteSummaryStatistics(s);
+    if (s.ComputeAllAlleleFreqs && s.wants(task::standard_indices)) computeAndOutputAlleFreqPerPop(s);
 }
 
 // --- Work, in arbitrary units: the scale of the progress shown ---
