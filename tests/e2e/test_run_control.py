@@ -7,6 +7,7 @@ from support import RunTestCase, dna_project, mask_times, settings_text
 
 TOO_MANY_SECTIONS = "too many sub-sections found (max=4)"
 RESULT_FILES = ["p.js", "p.xml", "p_main.htm", "p_tree.htm", "Tovenia_log.txt"]
+SUMMARY_FILES = ["sumExpHeterozygosity.sum", "sumNumAlleles.sum"]  # of the standard indices
 SHARED_FILES = ["compfinished_final", "randseed.txt", "tov_run.tvs", "tov_run.txt", "tovenia.ini"]
 
 
@@ -19,7 +20,8 @@ class Calling(RunTestCase):
         self.write("p.tvp", dna_project())
         self.write("p.tvs", settings_text(TaskNumber=1))
         outcome = self.tovcore("p.tvp", "p.tvs", "run_silent")
-        expected = ["p.tvp", "p.tvs"] + SHARED_FILES + [os.path.join("p.res", name) for name in RESULT_FILES]
+        expected = ["p.tvp", "p.tvs"] + SHARED_FILES
+        expected += [os.path.join("p.res", name) for name in RESULT_FILES + SUMMARY_FILES]
         self.assertEqual(self.files(), sorted(expected))
         self.assertTrue(outcome.console.startswith("Running tovcore in silent mode ...\n"))
         self.assertTrue(outcome.console.endswith("Tovcore terminated gracefully\n"))
