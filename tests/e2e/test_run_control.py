@@ -259,6 +259,7 @@ class RunList(RunTestCase):
         self.tovcore()
         log = self.read("src", "Tovenia_log.txt")
         self.assertTrue(log.startswith("Log file path: src/Tovenia_log.txt\nCore Routine Directory: "))
+        self.assertIn("Translation between data formats is not built yet\n", log)
         self.assert_finished()
 
     def test_empty_and_endless_lists(self):
