@@ -58,7 +58,7 @@ void TTree::count_states(SiteStatistics& s) {
 }
 
 int TTree::distinct_tips() {
-    if (nodes_.empty()) return 0;
+    if (nb_nodes() == 0) return 0;
     int const labels = label_tips();
     return log_.sites_hit_again > 0 ? compare_labelled_tips() : labels;
 }

@@ -272,7 +272,10 @@ bool TTree::prepare_hits(int sites) {
 }
 
 int TTree::add_mutations(MutationModel const& model) {
-    if (nodes_.empty()) return 0;
+    if (nb_nodes() == 0) {
+        log_.clear();
+        return 0;
+    }
     if (model.gamma_a != 0.0) {
         GammaRates& rates = TNode::mut_rates;
         if (rates.is_built()) {
@@ -345,7 +348,7 @@ void TTree::getListofMatchingNodesNoRec(BranchList& list, double const& min_freq
     list.nodes.clear();
     list.shares.clear();
     list.built = true;
-    if (nodes_.empty()) return;
+    if (nb_nodes() == 0) return;
     std::vector<TNode*> waiting{&root()};
     double sum = 0.0;
     while (!waiting.empty()) {

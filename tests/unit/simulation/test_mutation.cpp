@@ -271,6 +271,19 @@ TEST_F(Mutations, NoSitesMeanNoMutations) {
     EXPECT_EQ(tree[0].sequence->size(), 0);
 }
 
+TEST_F(Mutations, AnEmptyTreeHasNone) {
+    test::seed();
+    make(6, model_of(3.0, 10, MUT_NUCLEOTIDES));
+    tree.set_sample_size(0);
+    again(model_of(3.0, 10, MUT_NUCLEOTIDES));
+    EXPECT_EQ(tree.nb_mutations(), 0);
+    EXPECT_EQ(tree.site_statistics().segregating_sites, 0);
+    EXPECT_EQ(tree.distinct_tips(), 0);
+    tree.flush_branches();
+    EXPECT_EQ(tree.getRootNodeForMutation(0, 0.0), nullptr);
+    EXPECT_EQ(tree.compute_moments_of_coalescence_times(), 0);
+}
+
 TEST_F(Mutations, CountersOfAnotherSizeAreRefused) {
     EXPECT_TRUE(TTree::prepare_hits(10));
     TNode::hits[3] = 5;
