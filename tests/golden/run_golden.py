@@ -87,7 +87,7 @@ def main():
     parser.add_argument("program")
     parser.add_argument("--rewrite", action="store_true")
     parser.add_argument("cases", nargs="*")
-    arguments = parser.parse_args()
+    arguments = parser.parse_intermixed_args()
     program = os.path.abspath(arguments.program)
     cases = arguments.cases or sorted(name for name in os.listdir(HERE)
                                       if os.path.exists(os.path.join(HERE, name, "in.tvp")))
