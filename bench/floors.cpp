@@ -63,4 +63,17 @@ double draws_and_scans(int const* steps, std::size_t draws, double const* table,
     return total;
 }
 
+double share_pairs(std::int32_t const* pairs, std::size_t n, double const* freq, double* gain) noexcept {
+    double sum = 0.0;
+    for (std::size_t g = 0; g < n; ++g) {
+        std::int32_t const first = pairs[2 * g];
+        std::int32_t const second = pairs[2 * g + 1];
+        double const x = freq[first] * freq[second];
+        sum += x;
+        gain[second] += x;
+        gain[first] += x;
+    }
+    return sum;
+}
+
 }  // namespace tov::floors

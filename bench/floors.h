@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <random>
 
 namespace tov::floors {
@@ -23,5 +24,9 @@ double tree_draws_and_logarithms(int n) noexcept;
 /// @param steps  lengths of the scans, each at most `size`.
 /// @param table  `size` terms.
 double draws_and_scans(int const* steps, std::size_t draws, double const* table, std::size_t size) noexcept;
+
+/// Products of n pairs of frequencies, each added to their sum and to the gains of both; a pair is two indices side by
+/// side. The genotypes of an EM iteration in their barest form.
+double share_pairs(std::int32_t const* pairs, std::size_t n, double const* freq, double* gain) noexcept;
 
 }  // namespace tov::floors
