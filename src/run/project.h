@@ -65,6 +65,9 @@ public:
     int build_all_vectors(TAlleleDB& database);
     /// Logs that the detection of repeat lengths is skipped (microsatellites); leaves the data alone.
     void convertMicrosatToNumberOfRepeats();
+    /// DNA in upper case, sites without a separator, words parted by one blank. @return true when a separator of sites
+    /// was removed.
+    bool unify_definitions();
 
     // --- Groups as samples (project_structure.cpp) ---
     /// One sample a group of `inStructure`, named "Group1", "Group2", ..., all in the one group of `outStructure`.

@@ -244,18 +244,24 @@ void Project::set_locus_separator(char separator) {
     for (int i = 0; i < samples_->NbPopulations(); ++i) (*samples_)[i]->profile.LocusSeparator = separator;
 }
 
-void Project::prepare_data() {
-    print_js_doc_entry(*settings_, 2, "_run_information", "Settings");
+bool Project::unify_definitions() {
     samples_->convert_dna_upper(*haplotypes_);
     bool const one_character_alleles = DataType == DNA || DataType == RFLP;
     if (one_character_alleles && LocusSeparator != 0) {
         samples_->rm_separators(*haplotypes_);
         set_locus_separator(0);
+        return true;
+    }
+    // The readers joined the loci of a definition by single blanks.
+    if (DataType == MICROSAT || (DataType == STANDARD && LocusSeparator != 0)) set_locus_separator(' ');
+    return false;
+}
+
+void Project::prepare_data() {
+    print_js_doc_entry(*settings_, 2, "_run_information", "Settings");
+    if (unify_definitions()) {
         document() << "\nWarning: The locus separator has been removed\n-------\n\n";
         *_AOS_ << "\nWarning: The locus separator has been removed\n\n";
-    } else if (DataType == MICROSAT || DataType == STANDARD) {
-        // The readers joined the loci of a definition by single blanks.
-        set_locus_separator(' ');
     }
 }
 

@@ -1,6 +1,7 @@
 // Scheduling: obeys the run list, one project after the other.
 #include "run/tovstart.h"
 
+#include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
@@ -18,6 +19,7 @@
 #include "run/project.h"
 #include "run/run_list.h"
 #include "run/run_state.h"
+#include "translate/imp_exp.h"
 
 namespace tov {
 
@@ -137,16 +139,61 @@ Turn run_projects(RunList& list) {
     return Turn::go_on;
 }
 
-/// The translation that the list asks for.
-void translate(RunList& list) {
+/// What a run list says about its translation.
+struct TranslationRequest {
     std::string source_format, target_format, source, target;
-    list.read(source_format, RunList::path_length);
-    list.read(target_format, RunList::path_length);
-    list.read(source, RunList::path_length);
-    list.read(target, RunList::path_length);
-    begin_log(directory_of(source));
+};
+
+/// The lines that some formats add to the request.
+void read_format_lines(RunList& list, std::string const& source_format, imp_exp& translator) {
+    std::string text;
+    if (source_format == "Genepop") {
+        if (list.read(text, RunList::path_length)) translator.diploid = my_atoi(text.c_str());
+    } else if (source_format == "Zentara") {
+        if (list.read(text, RunList::path_length)) translator.zentara_matrix = text;
+        if (list.read(text, RunList::path_length)) translator.zentara_structure = text;
+    }
+}
+
+std::unique_ptr<std::ofstream> new_file(std::string const& path) {
+    return std::make_unique<std::ofstream>(path, std::ios::trunc);
+}
+
+/// Source into intermediate project, intermediate project into target.
+void convert(TranslationRequest const& request, int from, int to, imp_exp& translator) {
+    std::string const intermediate = ToveniaExeDirectory + intermediate_project;
+    translator.import_data(from, request.source.c_str(), intermediate.c_str(), new_file(intermediate));
+    translator.export_data(to, intermediate.c_str(), request.target.c_str(), new_file(request.target));
+    std::remove(intermediate.c_str());
+}
+
+/// The translation that the list asks for; its log lies beside the source.
+void translate(RunList& list) {
+    TranslationRequest request;
+    for (std::string* line : {&request.source_format, &request.target_format, &request.source, &request.target})
+        list.read(*line, RunList::path_length);
+    imp_exp translator;
+    translator.project = PPP;
+    begin_log(directory_of(request.source));
     initialize_ran3(1);
-    *_AOS_ << "Translation between data formats is not built yet" << std::endl;
+    read_format_lines(list, request.source_format, translator);
+    translator.set_export_dir(ToveniaExeDirectory.c_str());
+    int from = imp_exp::format_number(request.source_format);
+    int const to = imp_exp::format_number(request.target_format);
+    if (from == imp_exp::unknown) {
+        *_AOS_ << "\tUnknown source format: " << request.source_format << ", taken as Genepop\n";
+        from = imp_exp::genepop;
+    }
+    if (to == imp_exp::unknown) {
+        *_AOS_ << "\tUnknown target format: " << request.target_format << std::endl;
+    } else if (from == to) {
+        *_AOS_ << "\tThe two formats are the same, nothing to translate" << std::endl;
+    } else if (is_working_file(request.source, ToveniaExeDirectory) ||
+               is_working_file(request.target, ToveniaExeDirectory)) {
+        *_AOS_ << "\tThe translation makes and removes files of this name itself, nothing is translated" << std::endl;
+    } else {
+        convert(request, from, to, translator);
+    }
     E.CloseLog_file();
 }
 
