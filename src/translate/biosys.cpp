@@ -127,7 +127,7 @@ private:
     void read_individual(std::string const& line, bool first_of_sample) {
         std::vector<std::string> lines = {line};
         bool good = fits(line, 0);
-        if (!good && first_of_sample) {
+        if (!good && first_of_sample && names_sample(line)) {
             name_ = quoted_text(trimmed(line));
             return;
         }
@@ -141,6 +141,14 @@ private:
             return;
         }
         write_individual(lines);
+    }
+
+    /// No alleles, or letters between the name and the first of them.
+    bool names_sample(std::string_view text) const {
+        std::size_t const behind_name = format_.name.begin + format_.name.width;
+        std::vector<BiosysField> const& alleles = format_.lines.front().alleles;
+        if (alleles.empty() || text.size() <= alleles.front().begin) return true;
+        return !trimmed(text.substr(behind_name, alleles.front().begin - behind_name)).empty();
     }
 
     /// All fields of a line are there, and between them are blanks.
@@ -299,15 +307,38 @@ void append_padded(std::string& line, std::string_view text, std::size_t width) 
     line.append(width - std::min(width, text.size()), ' ');
 }
 
-std::string_view allele_text(TAllele const* allele, char missing) {
-    if (!allele || allele->name() == std::string_view(&missing, 1)) return "?";
-    return allele->name();
-}
+/// The padded texts of the alleles of every locus, "?" for missing data.
+class AlleleTexts {
+public:
+    AlleleTexts(TAlleleDB const& alleles, int loci, char missing, std::size_t width)
+        : texts_(static_cast<std::size_t>(loci)) {
+        append_padded(unknown_, "?", width);
+        for (int l = 0; l < loci; ++l) {
+            TLocus const* const locus = alleles.locus(l);
+            for (int a = 0; locus && a < locus->nb_alleles(); ++a) {
+                std::string_view const name = locus->allele(a)->name();
+                std::string& text = texts_[static_cast<std::size_t>(l)].emplace_back();
+                append_padded(text, name == std::string_view(&missing, 1) ? "?" : name, width);
+            }
+        }
+    }
+
+    [[nodiscard]] std::string const& of(int locus, int rank) const {
+        auto const& ranks = texts_[static_cast<std::size_t>(locus)];
+        return rank >= 0 && static_cast<std::size_t>(rank) < ranks.size() ? ranks[static_cast<std::size_t>(rank)]
+                                                                          : unknown_;
+    }
+
+private:
+    std::vector<std::vector<std::string>> texts_;  // by locus and rank
+    std::string unknown_;
+};
 
 constexpr std::size_t name_width = 7;
 
 void write_head(std::ostream& out, Project& project, int loci, AlleleSizes const& sizes) {
-    out << project.title << "\nNOTU=" << project.p_sam().NbPopulations() << ", NLOC=" << loci
+    // A title with the first key of the head would be read as the head.
+    out << (contains_word(project.title, "NOTU") ? my_string() : project.title) << "\nNOTU=" << project.p_sam().NbPopulations() << ", NLOC=" << loci
         << ", NALL=" << sizes.most << ", CRT;\n"
         // kept on purpose: readers of this statement expect the second parenthesis.
         << "(1X,A7))\n";
@@ -331,6 +362,7 @@ bool write_biosys(Project& project, std::ostream& out) {
     TAlleleDB const& alleles = project.p_alldb();
     AlleleSizes const sizes = allele_sizes(alleles, loci, project.MissingData);
     std::size_t const width = static_cast<std::size_t>(sizes.longest);
+    AlleleTexts const texts(alleles, loci, project.MissingData, width);
     write_head(out, project, loci, sizes);
     std::string line;
     for (Population const* const sample : project.p_sam().populations.view()) {
@@ -340,9 +372,7 @@ bool write_biosys(Project& project, std::ostream& out) {
             line += "   ";
             for (int l = 0; l < loci; ++l) {
                 line += ' ';
-                for (int c = 0; c < entry.chromosomes; ++c) {
-                    append_padded(line, allele_text(alleles(l, entry.rank(c, l)), project.MissingData), width);
-                }
+                for (int c = 0; c < entry.chromosomes; ++c) line += texts.of(l, entry.rank(c, l));
             }
             line += '\n';
             for (std::int64_t i = 0; i < entry.copies; ++i)
