@@ -125,7 +125,9 @@ private:
             std::size_t const end = text.find('}');
             text = end == std::string_view::npos ? std::string_view() : text.substr(end + 1);
         }
-        std::string const known = entry_name(name, "Taxon" + std::to_string(file_.taxa.size() + 1));
+        std::string known = entry_name(name, "Taxon" + std::to_string(file_.taxa.size() + 1));
+        // A quote at its beginning would open a label of the distance matrix.
+        if (known.front() == '"' || known.front() == '\'') known.front() = '_';
         auto const [place, is_new] = places_.emplace(known, file_.taxa.size());
         if (is_new) file_.taxa.push_back({known, ""});
         place_ = place->second;

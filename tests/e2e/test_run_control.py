@@ -259,7 +259,8 @@ class RunList(RunTestCase):
         self.tovcore()
         log = self.read("src", "Tovenia_log.txt")
         self.assertTrue(log.startswith("Log file path: src/Tovenia_log.txt\nCore Routine Directory: "))
-        self.assertIn("Translation between data formats is not built yet\n", log)
+        self.assertIn("    Writing  out.gen... done.\n", log)
+        self.assertTrue(self.read("out.gen").startswith("Title line:Test data\nLocus_1\n"))
         self.assert_finished()
 
     def test_empty_and_endless_lists(self):
