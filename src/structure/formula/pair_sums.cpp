@@ -5,6 +5,7 @@
 #include <bit>
 #include <cmath>
 #include <cstdint>
+#include <cstring>
 #include <utility>
 
 #include "base/trimat.h"
@@ -13,7 +14,81 @@ namespace tov {
 
 namespace {
 
-constexpr int tile = 8;  // populations summed side by side
+constexpr int tile = 4;  // populations summed side by side are a multiple of this
+
+/// Vectors of the compiler: element-wise arithmetic, so that each population's additions keep their order.
+using Doubles = double __attribute__((vector_size(16)));
+using Floats = float __attribute__((vector_size(16)));
+
+template <class Vector, class Value>
+Vector load(Value const* from) {
+    Vector v;
+    std::memcpy(&v, from, sizeof v);
+    return v;
+}
+
+/// Sums of 2 N populations of a dense table, in the order of the haplotypes.
+template <int N>
+void sum_tile(PairDistances const& distances, double const* counts, int lanes, double* sums) {
+    int const n = distances.size();
+    Doubles sum[N] = {};
+    for (int i = 0; i < n; ++i) {
+        double const* const d = distances.row(i);
+        double const* const row = counts + static_cast<std::size_t>(i) * lanes;
+        Doubles f[N];
+        for (int t = 0; t < N; ++t) {
+            f[t] = load<Doubles>(row + 2 * t);
+            sum[t] += 0.5 * f[t] * (f[t] - 1.0) * d[0];
+        }
+        double const* g = row + lanes;
+        for (int j = i + 1; j < n; ++j, g += lanes) {
+            double const dij = d[j - i];
+            for (int t = 0; t < N; ++t) {
+                sum[t] += f[t] * load<Doubles>(g + 2 * t) * dij;
+            }
+        }
+    }
+    std::memcpy(sums, sum, sizeof sum);
+}
+
+/// The same of 4 N populations where every sum is a whole number that a float holds, so that any order is exact.
+template <int N>
+void sum_tile_whole(int n, float const* d, float const* counts, int lanes, float* sums) {
+    Floats sum[N] = {};
+    for (int i = 0; i < n; ++i) {
+        float const* const row = counts + static_cast<std::size_t>(i) * lanes;
+        Floats weighted[N] = {};
+        float const* g = row + lanes;
+        ++d;  // the diagonal, 0
+        for (int j = i + 1; j < n; ++j, ++d, g += lanes) {
+            for (int t = 0; t < N; ++t) {
+                weighted[t] += load<Floats>(g + 4 * t) * *d;
+            }
+        }
+        for (int t = 0; t < N; ++t) {
+            sum[t] += load<Floats>(row + 4 * t) * weighted[t];
+        }
+    }
+    std::memcpy(sums, sum, sizeof sum);
+}
+
+/// All distances are whole, the diagonal is 0, and a sum over `copies` gene copies stays below 2^24.
+bool sums_fit_floats(PairDistances const& d, double copies) {
+    double largest = 0.0;
+    for (int i = 0; i < d.size(); ++i) {
+        double const* const row = d.row(i);
+        if (row[0] != 0.0) {
+            return false;
+        }
+        for (int k = 1; k < d.size() - i; ++k) {
+            if (row[k] != std::floor(row[k]) || row[k] < 0.0) {
+                return false;
+            }
+            largest = std::max(largest, row[k]);
+        }
+    }
+    return largest * copies * copies < 16777216.0;
+}
 
 /// Haplotypes of a slice with their counts, ascending.
 struct Counted {
@@ -111,7 +186,17 @@ WithinSums::WithinSums(PairDistances const& distances, std::vector<GeneSlice> sl
     }
     double const dense = 0.3 * n * (n + 1.0) * lanes_;
     dense_ = dense < sparse;
-    counts_.assign(dense_ ? static_cast<std::size_t>(n + 1) * lanes_ : static_cast<std::size_t>(n) + 1, 0.0);
+    whole_ = dense_ && sums_fit_floats(distances, static_cast<double>(most));
+    if (whole_) {
+        whole_counts_.assign(static_cast<std::size_t>(n + 1) * lanes_, 0.0F);
+        for (int i = 0; i < n; ++i) {
+            for (int k = 0; k < n - i; ++k) {
+                whole_distances_.push_back(static_cast<float>(distances.row(i)[k]));
+            }
+        }
+    } else {
+        counts_.assign(dense_ ? static_cast<std::size_t>(n + 1) * lanes_ : static_cast<std::size_t>(n) + 1, 0.0);
+    }
     present_.reserve(most);
     present_counts_.reserve(most);
 }
@@ -119,6 +204,8 @@ WithinSums::WithinSums(PairDistances const& distances, std::vector<GeneSlice> sl
 void WithinSums::compute(std::span<int const> genes, std::span<double> sums) {
     if (distances_->conventional()) {
         by_equal_pairs(genes, sums);
+    } else if (whole_) {
+        by_all_haplotypes_whole(genes, sums);
     } else if (dense_) {
         by_all_haplotypes(genes, sums);
     } else {
@@ -147,32 +234,49 @@ void WithinSums::by_equal_pairs(std::span<int const> genes, std::span<double> su
 
 /// Few haplotypes: every haplotype of every population, several populations side by side.
 void WithinSums::by_all_haplotypes(std::span<int const> genes, std::span<double> sums) {
-    int const n = distances_->size();
     std::fill(counts_.begin(), counts_.end(), 0.0);
     for (std::size_t p = 0; p < slices_.size(); ++p) {
         for (int k = slices_[p].begin; k < slices_[p].end; ++k) {
             counts_[static_cast<std::size_t>(genes[k]) * lanes_ + p] += 1.0;
         }
     }
-    for (int first = 0; first < populations(); first += tile) {
-        double sum[tile] = {};
-        for (int i = 0; i < n; ++i) {
-            double const* const d = distances_->row(i);
-            double const* const f = counts_.data() + static_cast<std::size_t>(i) * lanes_ + first;
-            for (int t = 0; t < tile; ++t) {
-                sum[t] += 0.5 * f[t] * (f[t] - 1.0) * d[0];
-            }
-            double const* g = f + lanes_;
-            for (int j = i + 1; j < n; ++j, g += lanes_) {
-                double const dij = d[j - i];
-                for (int t = 0; t < tile; ++t) {
-                    sum[t] += f[t] * g[t] * dij;
-                }
-            }
+    double sum[2 * tile];
+    for (int first = 0; first < lanes_;) {
+        bool const two = first + 2 * tile <= lanes_;
+        double const* const counts = counts_.data() + first;
+        if (two) {
+            sum_tile<tile>(*distances_, counts, lanes_, sum);
+        } else {
+            sum_tile<tile / 2>(*distances_, counts, lanes_, sum);
         }
-        for (int t = 0; t < tile && first + t < populations(); ++t) {
+        for (int t = 0; t < (two ? 2 : 1) * tile && first + t < populations(); ++t) {
             sums[first + t] = sum[t];
         }
+        first += (two ? 2 : 1) * tile;
+    }
+}
+
+/// Few haplotypes at whole distances.
+void WithinSums::by_all_haplotypes_whole(std::span<int const> genes, std::span<double> sums) {
+    std::fill(whole_counts_.begin(), whole_counts_.end(), 0.0F);
+    for (std::size_t p = 0; p < slices_.size(); ++p) {
+        for (int k = slices_[p].begin; k < slices_[p].end; ++k) {
+            whole_counts_[static_cast<std::size_t>(genes[k]) * lanes_ + p] += 1.0F;
+        }
+    }
+    float sum[2 * tile];
+    for (int first = 0; first < lanes_;) {
+        bool const two = first + 2 * tile <= lanes_;
+        float const* const counts = whole_counts_.data() + first;
+        if (two) {
+            sum_tile_whole<2>(distances_->size(), whole_distances_.data(), counts, lanes_, sum);
+        } else {
+            sum_tile_whole<1>(distances_->size(), whole_distances_.data(), counts, lanes_, sum);
+        }
+        for (int t = 0; t < (two ? 2 : 1) * tile && first + t < populations(); ++t) {
+            sums[first + t] = sum[t];
+        }
+        first += (two ? 2 : 1) * tile;
     }
 }
 

@@ -69,13 +69,16 @@ public:
 private:
     void by_equal_pairs(std::span<int const> genes, std::span<double> sums);
     void by_all_haplotypes(std::span<int const> genes, std::span<double> sums);
+    void by_all_haplotypes_whole(std::span<int const> genes, std::span<double> sums);
     void by_present_haplotypes(std::span<int const> genes, std::span<double> sums);
 
     PairDistances const* distances_;  // borrowed
     std::vector<GeneSlice> slices_;
     bool dense_ = false;
+    bool whole_ = false;           ///< dense, and all sums are whole numbers that single precision holds
     int lanes_ = 0;                ///< populations rounded up to whole tiles
     std::vector<double> counts_;   ///< dense: haplotype by population; else one population's counts
+    std::vector<float> whole_counts_, whole_distances_;  ///< the same of the whole form; rows as in PairDistances
     std::vector<int> tally_;       ///< 0/1 distance: counts of one population
     std::vector<int> present_;     ///< haplotypes present, ascending
     std::vector<double> present_counts_;
