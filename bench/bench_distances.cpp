@@ -106,7 +106,7 @@ bool hold_against_floor(char const* title, Content content) {
             floor = std::min(floor, milliseconds([&] { return sample.floor(); }));
             ours = std::min(ours, milliseconds([&] { return sample.matrix(method); }));
         }
-        double const limit = method == 0 ? 1.5 : 6.0;
+        double const limit = method == 0 && content != Content::with_gaps_and_codes ? 1.5 : 6.0;
         std::printf("%-24s %-13s %7.1f ms, compared bytes %6.1f ms, ratio %5.2f (limit %.1f)\n", title, names[method],
                     ours, floor, ours / floor, limit);
         good = good && ours / floor <= limit;
@@ -121,6 +121,6 @@ int main(int argc, char** argv) {
     benchmark::RunSpecifiedBenchmarks();
     bool const bases = hold_against_floor("bases", Content::bases);
     bool const gaps = hold_against_floor("with gaps and missing", Content::with_gaps);
-    hold_against_floor("with ambiguity codes too", Content::with_gaps_and_codes);
-    return bases && gaps ? 0 : 1;
+    bool const codes = hold_against_floor("with ambiguity codes too", Content::with_gaps_and_codes);
+    return bases && gaps && codes ? 0 : 1;
 }

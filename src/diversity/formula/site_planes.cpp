@@ -2,6 +2,7 @@
 #include "diversity/formula/site_planes.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <cstddef>
 
@@ -117,11 +118,7 @@ WordCount fastest_word_count() noexcept {
 
 NucleotidePlanes::NucleotidePlanes(std::span<std::string_view const> sequences, std::span<int const> usable,
                                    char missing, WordCount how)
-    : missing_(missing),
-      how_(how),
-      missing_has_plane_(unclassified_against_bases(missing)),
-      traits_(sequences.size()),
-      characters_(sequences.size()) {
+    : missing_(missing), how_(how), missing_has_plane_(unclassified_against_bases(missing)), traits_(sequences.size()) {
     std::vector<std::size_t> sites = usable_sites(sequences, usable);
     if (!sites.empty()) {
         std::vector<char> const varies = varying_sites(sequences, sites.back() + 1);
@@ -134,17 +131,46 @@ NucleotidePlanes::NucleotidePlanes(std::span<std::string_view const> sequences, 
     nb_words_ = (sites.size() + 63) / 64;
     words_.assign(sequences.size() * nb_planes * nb_words_, 0);
     for (std::size_t i = 0; i < sequences.size(); ++i) {
-        std::string& characters = characters_[i];
+        std::size_t k = 0;
+        for (; k < sites.size() && sites[k] < sequences[i].size(); ++k) {
+            set(i, k, sequences[i][sites[k]]);
+        }
+        traits_[i].sites = static_cast<int>(k);
+    }
+    if (std::any_of(traits_.begin(), traits_.end(), [](Traits const& t) { return t.others; })) {
+        number_characters(sequences, sites);
+    }
+}
+
+void NucleotidePlanes::number_characters(std::span<std::string_view const> sequences,
+                                         std::span<std::size_t const> sites) {
+    std::array<std::uint16_t, 256> number_of{};
+    std::vector<char> characters = {'\0'};  // number 0 stands behind the end of a sequence
+    numbers_.assign(sequences.size() * nb_words_ * 64, 0);
+    for (std::size_t i = 0; i < sequences.size(); ++i) {
         for (std::size_t k = 0; k < sites.size() && sites[k] < sequences[i].size(); ++k) {
             char const c = sequences[i][sites[k]];
-            characters.push_back(c);
-            set(i, k, c);
+            std::uint16_t& number = number_of[static_cast<unsigned char>(c)];
+            if (number == 0) {
+                number = static_cast<std::uint16_t>(characters.size());
+                characters.push_back(c);
+            }
+            numbers_[i * nb_words_ * 64 + k] = number;
         }
-        traits_[i].sites = static_cast<int>(characters.size());
     }
-    bool const any_others = std::any_of(traits_.begin(), traits_.end(), [](Traits const& t) { return t.others; });
-    if (!any_others) {
-        characters_.clear();
+    nb_numbers_ = characters.size();
+    kinds_.assign(nb_numbers_ * nb_numbers_, 0);
+    kind_counts_.assign(1, PairCounts{});
+    for (std::size_t a = 1; a < nb_numbers_; ++a) {
+        for (std::size_t b = 1; b < nb_numbers_; ++b) {
+            PairCounts one;
+            add_site(one, characters[a], characters[b], missing_);
+            auto const known = std::find(kind_counts_.begin(), kind_counts_.end(), one);
+            kinds_[a * nb_numbers_ + b] = static_cast<unsigned char>(known - kind_counts_.begin());
+            if (known == kind_counts_.end()) {
+                kind_counts_.push_back(one);
+            }
+        }
     }
 }
 
@@ -260,16 +286,18 @@ void NucleotidePlanes::add_special_sites(std::size_t i, std::size_t j, PairCount
 void NucleotidePlanes::add_other_sites(std::size_t i, std::size_t j, PairCounts& c) const noexcept {
     Word const* const other_i = plane(i, other);
     Word const* const other_j = plane(j, other);
-    std::string_view const s1 = characters_[i];
-    std::string_view const s2 = characters_[j];
-    std::size_t const n = std::min(s1.size(), s2.size());
+    std::uint16_t const* const numbers_i = numbers_.data() + i * nb_words_ * 64;
+    std::uint16_t const* const numbers_j = numbers_.data() + j * nb_words_ * 64;
+    std::array<int, 64> sites_of_kind{};
     for (std::size_t k = 0; k < nb_words_; ++k) {
         for (Word left = other_i[k] | other_j[k]; left != 0; left &= left - 1) {
             std::size_t const site = k * 64 + static_cast<std::size_t>(std::countr_zero(left));
-            if (site >= n) {
-                return;
-            }
-            add_site(c, s1[site], s2[site], missing_);
+            ++sites_of_kind[kinds_[numbers_i[site] * nb_numbers_ + numbers_j[site]]];
+        }
+    }
+    for (std::size_t kind = 1; kind < kind_counts_.size(); ++kind) {
+        if (sites_of_kind[kind] != 0) {
+            c.add(kind_counts_[kind], sites_of_kind[kind]);
         }
     }
 }

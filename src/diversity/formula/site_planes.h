@@ -4,7 +4,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <span>
-#include <string>
 #include <string_view>
 #include <vector>
 
@@ -71,7 +70,12 @@ private:
     int constant_sites_ = 0;  ///< usable sites with one base in all sequences
     std::vector<std::uint64_t> words_;
     std::vector<Traits> traits_;
-    std::vector<std::string> characters_;  ///< characters of the sites in the planes, of sequences with others
+    // Sites with other characters: what a pair of characters counts as, by small numbers of the characters.
+    void number_characters(std::span<std::string_view const> sequences, std::span<std::size_t const> sites);
+    std::vector<std::uint16_t> numbers_;   ///< k rows of nb_words_ * 64 numbers of characters; 0 behind the end
+    std::vector<unsigned char> kinds_;     ///< kind of each pair of numbers, nb_numbers_ squared
+    std::vector<PairCounts> kind_counts_;  ///< what one site of a kind adds
+    std::size_t nb_numbers_ = 0;
 };
 
 /// A distance method of DNA with its parameters.

@@ -302,6 +302,19 @@ TEST(NucleotidePlanes, CountSitesThatNeverVary) {
     }
 }
 
+TEST(NucleotidePlanes, TakeAnyCharacter) {
+    std::string all;
+    for (int c = 1; c < 256; ++c) {
+        all += static_cast<char>(c);
+    }
+    std::string shifted = all.substr(1) + all[0];
+    std::vector<std::string_view> const views = {all, shifted};
+    std::vector<int> const usable(all.size(), 1);
+    NucleotidePlanes const planes(views, usable, '?');
+    EXPECT_EQ(planes.compare(0, 1, true), oracle::scan(all, shifted, usable, '?'));
+    EXPECT_EQ(planes.compare(1, 0, true), oracle::scan(shifted, all, usable, '?'));
+}
+
 TEST(PairwiseDifference, AgreesWithSummingSiteBySite) {
     Sequences source;
     std::vector<std::string> const s = source.make(8, 300, "ACGT-?BDHKMNRSVWY");
