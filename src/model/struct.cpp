@@ -12,7 +12,7 @@ namespace {
 
 /// Prints the groups; names go through `text_of`.
 template <class TextOf>
-void print_groups(std::ostream& os, std::vector<StructureGroup> const& groups, TextOf text_of) {
+void write_groups(std::ostream& os, std::vector<StructureGroup> const& groups, TextOf text_of) {
     int number = 0;
     for (StructureGroup const& group : groups) {
         os << "\t#Group" << ++number << "\n\t\tGroup={\n\t\t";
@@ -80,17 +80,21 @@ void Structure::build_one_loci_str(Samples* oneLocusSamples, Structure* out) con
     }
 }
 
+void Structure::print_groups(std::ostream& os) const {
+    write_groups(os, groups, [](my_string const& sample) { return doc_text(sample); });
+}
+
 void Structure::print_structure(std::ostream& os) const {
     os << "\n\nGenetic structure to test :\n---------------------------\n"
        << "No. of Groups = " << nb_groups() << '\n';
-    print_groups(os, groups, [](my_string const& sample) { return doc_text(sample); });
+    print_groups(os);
 }
 
 std::ostream& operator<<(std::ostream& os, Structure const& structure) {
     os << "\n\t[[Structure]]\n\n"
        << "\t\tStructureName = \"" << structure.name << "\"\n"
        << "\t\tNbGroups = " << structure.nb_groups() << '\n';
-    print_groups(os, structure.groups, [](my_string const& sample) { return sample.str(); });
+    write_groups(os, structure.groups, [](my_string const& sample) { return sample.str(); });
     return os;
 }
 

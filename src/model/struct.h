@@ -71,6 +71,8 @@ public:
     /// Writes the content of one key into the front end's file. @return 1, or 0 at the end of the data.
     int explore_content(std::istream& ifs, my_string ident, std::ostream& out);
 
+    /// Prints the groups with the names of their samples, for a document.
+    void print_groups(std::ostream& os) const;
     /// Prints the structure under the title of the results section.
     void print_structure(std::ostream& os) const;
 

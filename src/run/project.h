@@ -21,6 +21,7 @@ class TAlleleDB;
 class amova_results;
 class settings;
 struct ProjectView;
+struct StructureActions;
 
 /// One project. The object serves all projects of a run list, one after the other; it is empty between two runs.
 ///
@@ -73,6 +74,9 @@ public:
     /// One sample a group of `inStructure`, named "Group1", "Group2", ..., all in the one group of `outStructure`.
     /// Sets `phenToGamDone` for genotypic data.
     void poolSamplesInGroups(Samples const& in, Structure const& inStructure, Samples& out, Structure& outStructure);
+
+    /// Tests each locus for selection, with the groups of the structure or without.
+    void detectSelectedLociFromFSTHetComparison(bool hierarchical);
 
     // --- Distances between haplotypes (project_distances.cpp) ---
     /// Fills the distance matrix from the project's haplotypes. @return 1, or 0 after code 136.
@@ -136,6 +140,8 @@ private:
     void assign_genotypes();
     void analyse_samples(LevelWords const& words);
     void GenStructCalculations();
+    [[nodiscard]] StructureActions structure_actions();
+    void detect_selection();
     void end_run(RunFrame& frame);
     int abandon_run(RunFrame& frame);
     [[nodiscard]] std::ostream& document();

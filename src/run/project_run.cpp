@@ -93,6 +93,7 @@ int Project::run() {
     clear_impossible_individual_level();
     run_group_level();
     run_sample_level();
+    detect_selection();
     end_run(frame);
     return 1;
 }
@@ -344,6 +345,18 @@ void Project::analyse_samples(LevelWords const& words) {
     }
     PopGenetics::globalSubstPolymSites.Flush();
     samples_->compute_stuff(*settings_);
+}
+
+void Project::detect_selection() {
+    if (!settings_->DetectSelectedLoci) return;
+    std::ostream& out = document();
+    level_banner(out, "\n== DETECTION OF LOCI UNDER SELECTION FROM GENOME SCANS BASED ON F-STATISTICS");
+    print_references(out, {"beaumont_nichols1996", "slatkin_voelm1991"});
+    print_js_aux_entry(*settings_, 1, "_fdist2_", "Loci under selection");
+    *_AOS_ << "Detecting loci under selection based on F-statistics\n";
+    std::clock_t const start = std::clock();
+    detectSelectedLociFromFSTHetComparison(settings_->UseHierarchicalIslandModel != 0);
+    *_AOS_ << "done with detection of loci under selection! (" << milliseconds_since(start) << " ms)\n";
 }
 
 void Project::end_run(RunFrame& frame) {

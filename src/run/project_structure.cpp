@@ -13,6 +13,7 @@
 #include "structure/amova.h"
 #include "structure/assignment.h"
 #include "structure/loc_by_loc.h"
+#include "structure/selection.h"
 
 namespace tov {
 
@@ -32,10 +33,17 @@ void Project::assign_genotypes() {
 
 void Project::GenStructCalculations() {
     convertMicrosatToNumberOfRepeats();
-    gen_struct_calculations(view_of(*this),
-                            {[this] { convert_phenotypes_and_build_vectors(); },
-                             [this](int method, double gamma) { return calc_dist_matrix(method, gamma); },
-                             [this] { print_distance_matrix(); }});
+    gen_struct_calculations(view_of(*this), structure_actions());
+}
+
+StructureActions Project::structure_actions() {
+    return {[this] { convert_phenotypes_and_build_vectors(); },
+            [this](int method, double gamma) { return calc_dist_matrix(method, gamma); },
+            [this] { print_distance_matrix(); }};
+}
+
+void Project::detectSelectedLociFromFSTHetComparison(bool hierarchical) {
+    detect_selected_loci(view_of(*this), structure_actions(), hierarchical);
 }
 
 void Project::poolSamplesInGroups(Samples const&, Structure const& inStructure, Samples& out, Structure& outStructure) {

@@ -236,7 +236,7 @@ int LocusSimulator::place_snp(LocusMutation const& mutation) {
     if (node == nullptr) {
         // kept on purpose: without a branch that carries enough copies, what stands right of the mutated branch under
         // the same parent shows a third state.
-        new_state = 2;
+        new_state = mutation.type == MUT_BINARY ? 1 : 2;  // shown alike by sites of two states
         tree_.flush_branches();
         node = tree_.getRootNodeForMutation(0, 0.0);
     }

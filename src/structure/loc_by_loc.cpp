@@ -13,21 +13,11 @@
 #include "model/sample.h"
 #include "model/struct.h"
 #include "run/errors.h"
-#include "structure/formula/locus_distance.h"
 #include "structure/loc_by_loc_report.h"
 
 namespace tov {
 
 namespace {
-
-AlleleKind kind_of(TDataType type, int method) {
-    switch (type) {
-        case DNA: return AlleleKind::nucleotide;
-        case RFLP: return AlleleKind::restriction;
-        case MICROSAT: return method == 1 ? AlleleKind::size : AlleleKind::label;
-        default: return AlleleKind::label;
-    }
-}
 
 /// Numbers the alleles of a locus in the order of their first gene copy.
 class AlleleNumbers {
@@ -144,6 +134,15 @@ bool analyse_locus(ProjectView const& view, int locus, AMOVA_table& table) {
 
 }  // namespace
 
+AlleleKind allele_kind(TDataType type, int method) noexcept {
+    switch (type) {
+        case DNA: return AlleleKind::nucleotide;
+        case RFLP: return AlleleKind::restriction;
+        case MICROSAT: return method == 1 ? AlleleKind::size : AlleleKind::label;
+        default: return AlleleKind::label;
+    }
+}
+
 OneLocus build_one_locus(ProjectView const& view, int locus) {
     settings const& set = view.set;
     Samples const& samples = *view.samples;
@@ -167,7 +166,7 @@ OneLocus build_one_locus(ProjectView const& view, int locus) {
     if (set.ComputeConventionalFST != 0) {
         matrix.set_conventional_fst(1);
     } else {
-        matrix = allele_distances(alleles.names(), kind_of(samples.DataType, set.DistanceMethodAMOVA),
+        matrix = allele_distances(alleles.names(), allele_kind(samples.DataType, set.DistanceMethodAMOVA),
                                   {set.TransitionWeight, set.TranversionWeight, set.DeletionWeight},
                                   samples.MissingData);
     }

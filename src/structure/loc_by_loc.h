@@ -4,13 +4,18 @@
 #include <functional>
 #include <vector>
 
+#include "input/profile.h"
 #include "model/project_view.h"
 #include "structure/amova.h"
 #include "structure/amova_table.h"
+#include "structure/formula/locus_distance.h"
 
 namespace tov {
 
 class TLocus;
+
+/// What the alleles of a locus are for its distances, by data type and distance method.
+[[nodiscard]] AlleleKind allele_kind(TDataType type, int method) noexcept;
 
 /// Alleles of one locus over the samples of a structure.
 struct OneLocus {
