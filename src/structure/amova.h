@@ -146,6 +146,8 @@ private:
     // --- Printing (amova_report.cpp, amova_null.cpp) ---
     void print_table(AmovaDesign const& design);
     void print_test(AmovaDesign const& design, std::size_t test, PermutationOutcome const& outcome);
+    /// One row of the batch table of analyses, when it is open.
+    void write_batch_row(AmovaDesign const& design) const;
     void print_population_fst();
     void print_population_fis(bool tested);
     bool write_null_file(AmovaTest const& test, int elapsed_ms);

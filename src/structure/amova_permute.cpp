@@ -2,9 +2,12 @@
 #include <algorithm>
 #include <ctime>
 #include <numeric>
+#include <sstream>
 
 #include "base/timing.h"
 #include "input/settings.h"
+#include "output/escape.h"
+#include "output/glbobj.h"
 #include "run/errors.h"
 #include "structure/amova.h"
 
@@ -63,6 +66,7 @@ int Amova::run_design(AmovaDesign const& design, std::vector<Statistic> const& s
         }
     }
     if (plan_.permutations == 0) {
+        write_batch_row(design);
         return 1;
     }
     results_->permutations = plan_.permutations;
@@ -77,7 +81,30 @@ int Amova::run_design(AmovaDesign const& design, std::vector<Statistic> const& s
     if (print_ && fis) {
         print_population_fis(true);
     }
+    write_batch_row(design);
     return 1;
+}
+
+void Amova::write_batch_row(AmovaDesign const& design) const {
+    if (!print_ || !ofs_amova_res) {
+        return;
+    }
+    constexpr std::size_t levels = 4;  // a design with fewer has 0 in their place
+    std::ostringstream row;
+    for (int const df : table_.df) {
+        row << '\t' << df;
+    }
+    for (double const variance : table_.variance) {
+        row << '\t' << variance;
+    }
+    for (std::size_t k = 0; k < levels; ++k) {
+        row << '\t' << (k < design.indices.size() ? table_.*design.indices[k].value : 0.0);
+    }
+    row << '\t' << results_->permutations;
+    for (std::size_t k = 0; k < levels; ++k) {
+        row << '\t' << (k < design.tests.size() ? results_->p_value[design.tests[k].slot] : 0.0);
+    }
+    *ofs_amova_res << quoted(settings::input_file) << row.str() << '\n' << std::flush;
 }
 
 /// The vector as the samples hold it, before every test but the first (which runs from that state anyway).

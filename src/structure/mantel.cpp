@@ -9,6 +9,7 @@
 #include "base/timing.h"
 #include "run/errors.h"
 #include "structure/formula/mantel_stats.h"
+#include "structure/formula/pairwise.h"
 
 namespace tov {
 
@@ -72,7 +73,7 @@ double Mantel::FstMatr_funct(int i, int j, TriMat& fst) {
         return std::log(f);
     }
     if (migrants) {
-        return (1.0 - f) / (2.0 * f);
+        return migrants_of_fst(f);
     }
     return f >= 1.0 ? std::log(impossible) : std::log(linearised(f));
 }

@@ -17,6 +17,7 @@
 #include "structure/formula/pairwise.h"
 #include "structure/mantel.h"
 #include "structure/pairdist_report.h"
+#include "structure/pairdist_tables.h"
 
 namespace tov {
 
@@ -273,6 +274,9 @@ int Amova::CalcPairDist() {
            << (tasks.test ? " and test significance" : "") << "\n";
     if (set.wants(task::pairwise_fst) || tasks.delta_mu) {
         print_pairwise_distances(view_, *results);
+    }
+    if (tasks.fst) {
+        write_pairwise_tables(*results, samples, settings::input_file);
     }
     set.ofs() << std::endl;
     latest = std::move(results);

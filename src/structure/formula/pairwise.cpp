@@ -191,4 +191,8 @@ double linearised_fst(double fst) noexcept {
     return fst >= 1.0 ? std::numeric_limits<double>::infinity() : fst / (1.0 - fst);
 }
 
+double migrants_of_fst(double fst) noexcept {
+    return fst > 0.0 ? (1.0 - fst) / (2.0 * fst) : std::numeric_limits<double>::infinity();
+}
+
 }  // namespace tov

@@ -73,5 +73,7 @@ private:
 [[nodiscard]] double coancestry_distance(double fst) noexcept;
 /// FST / (1 - FST); 0 for a negative FST; infinite from 1 on. Source: Slatkin 1995.
 [[nodiscard]] double linearised_fst(double fst) noexcept;
+/// Migrants (1 - FST) / (2 FST); infinite for an FST of 0 or below. Source: Wright 1931, for haploid data.
+[[nodiscard]] double migrants_of_fst(double fst) noexcept;
 
 }  // namespace tov
