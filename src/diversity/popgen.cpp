@@ -81,6 +81,7 @@ void PopGenetics::initialize() {
     mismatch_df_ = 0;
     demographic_fit_ = ExpansionFit{};
     spatial_fit_ = ExpansionFit{};
+    linkage_ = LinkageSummary{};
 }
 
 void PopGenetics::clean() {

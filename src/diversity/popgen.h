@@ -89,6 +89,16 @@ struct LocusTable {
     void clear() { *this = LocusTable{}; }
 };
 
+/// Linkage disequilibrium of a sample with known phase; -1, or no entry, until computed.
+struct LinkageSummary {
+    double mean_Dprime = -1.0;       ///< mean |D'| over all pairs of loci
+    double mean_r2 = -1.0;
+    std::vector<double> adj_Dprime;  ///< of each pair of neighbouring polymorphic loci
+    std::vector<double> adj_r2;
+    double flank_Dprime = -1.0;      ///< of the first and the last locus
+    double flank_r2 = -1.0;
+};
+
 /// A population sample and everything that the within-sample analyses compute on it.
 ///
 /// A statistic that no analysis has computed keeps its unset value -1.0. The accessors without a verb read the field of
@@ -214,7 +224,9 @@ public:
     double swap_in_table(int* k, long& seed);
     int calc_d_sd_values(int* loci, settings& s, double& sumD, double& sumDprime, int i, int last);
     void print_ld_histo(int n, int* loci, TriMat& p_values, settings& s, std::ostream& out);
-    /// Linkage results of all pairs and samples for the summary; flushed by calc_all_gam_des.
+    /// Takes the linkage results of this sample, which the next one flushes, into linkage_.
+    void keep_linkage_summary();
+    /// Linkage results of all pairs of a sample; flushed by calc_all_gam_des.
     static MY_TArrayAsVector<double> mean_Dprime, mean_R2, adj_Dprime, adj_R2, flank_Dprime, flank_R2;
 
     // --- Neutrality tests (neutrality.cpp) ---
@@ -333,6 +345,8 @@ public:
     double exp_num_alleles_ = -1.0;  ///< expected number of alleles of Chakraborty's test
     double obs_exact_statistic_ = -1.0;
     bool exact_neutr_test_ = false;  ///< Slatkin's exact test is wanted
+
+    LinkageSummary linkage_;
 
     // Mismatch distribution
     std::vector<std::int64_t> mismatch_;  ///< observed counts, 0..2 max_mismatch; empty when there is none

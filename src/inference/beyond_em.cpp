@@ -9,6 +9,7 @@
 
 #include "base/random.h"
 #include "diversity/popgen.h"
+#include "inference/association_tables.h"
 #include "inference/em_report.h"
 #include "input/settings.h"
 #include "model/hapdef.h"
@@ -214,6 +215,7 @@ void PopGenetics::calc_hapl_dat_hapl_freq(settings& s) {
     }
     print_known_haplotypes_head(s.ofs(), n);
     pool.print(s.ofs(), 0, s.FrequencyThreshold);
+    write_frequency_batch_rows(pop_name().str(), pool);
 }
 
 }  // namespace tov

@@ -3,6 +3,7 @@
 #include <ostream>
 
 #include "base/special.h"
+#include "inference/association_tables.h"
 #include "inference/chain_run.h"
 #include "inference/first_seen.h"
 #include "inference/hw_report.h"
@@ -192,14 +193,17 @@ bool test_locus(Population& sample, std::ostream& out, int locus, long steps, se
     print_hw_locus(out, locus);
     double const result = sample.make_hw_test2(steps, stat, s, row.steps, loci);
     if (result == stopped_by_user) return false;
+    sample.compute_locus_heterozygosity(locus, row.obs_het, row.exp_het, row.individuals);
     if (sample.monomorphic) {
         out << "   This locus is monomorphic: no test done.";
+        row.p = row.sd = -1.0;
+        write_hw_batch_locus(locus, row);
         return true;
     }
-    sample.compute_locus_heterozygosity(locus, row.obs_het, row.exp_het, row.individuals);
     row.p = s.p_value;
     row.sd = s.sd_p_value;
     print_hw_row(out, row);
+    write_hw_batch_locus(locus, row);
     return true;
 }
 
@@ -231,15 +235,19 @@ void Population::make_all_hw(std::ostream& out, TPhenDB const& ph, long const& s
         print_hw_lengths(out, "Loci", s.MarkovChainStepsHW, s.MarkovChainDememorisationStepsHW);
     }
     print_hw_head(out);
+    bool const batch_row = s.MakeHWExactTest && level != Level::haplotypes;
+    if (batch_row) begin_hw_batch_row(pop_name().str());
     int const nb_loci = ph.num_loci();
     for (int locus = 0; locus < nb_loci; ++locus) {
         s.p_value = 1.0;
         if (s.MakeHWExactTest && level != Level::haplotypes && !test_locus(*this, out, locus, steps, s)) {
             out << std::endl;
+            end_hw_batch_row();
             return;
         }
         out << '\n';
     }
+    if (batch_row) end_hw_batch_row();
     print_hw_rule(out);
     if (s.MakeHWExactTest && profile.GameticPhase != 0 && level != Level::loci &&
         !test_haplotypes(*this, out, steps, s)) {

@@ -3,6 +3,7 @@
 
 #include "base/trimat.h"
 #include "diversity/popgen.h"
+#include "inference/association_tables.h"
 #include "inference/chain_run.h"
 #include "inference/first_seen.h"
 #include "inference/ld_report.h"
@@ -212,8 +213,10 @@ bool test_all_pairs(PopGenetics& sample, std::ostream& out, std::vector<int>& si
             pair.sd = s.sd_p_value;
             p_values(a, b) = pair.p;
             print_ld_pair(out, pair);
+            write_linkage_batch_row(sample.pop_name().str(), pair);
         }
     }
+    write_linkage_side_table(s, sample.pop_name().str(), p_values, n);
     s.print_diseq_table(p_values, n, sites.data());
     sample.print_ld_histo(n, sites.data(), p_values, s, out);
     return true;
@@ -233,9 +236,21 @@ void print_all_coefficients(PopGenetics& sample, std::ostream& out, std::vector<
     double const pairs = n * (n - 1.0) / 2.0;
     PopGenetics::mean_Dprime.Add(sum_Dprime / pairs);
     PopGenetics::mean_R2.Add(sum_r2 / pairs);
+    sample.keep_linkage_summary();
 }
 
 }  // namespace
+
+void PopGenetics::keep_linkage_summary() {
+    auto const values = [](MY_TArrayAsVector<double> const& list) {
+        std::vector<double> copy;
+        for (long i = 0; i < list.GetItemsInContainer(); ++i) copy.push_back(list[i]);
+        return copy;
+    };
+    linkage_ = {mean_Dprime.IsEmpty() ? -1.0 : mean_Dprime[0], mean_R2.IsEmpty() ? -1.0 : mean_R2[0],
+                values(adj_Dprime), values(adj_R2), flank_Dprime.IsEmpty() ? -1.0 : flank_Dprime[0],
+                flank_R2.IsEmpty() ? -1.0 : flank_R2[0]};
+}
 
 void PopGenetics::calc_all_gam_des(std::ostream& out, long steps, settings& s) {
     constexpr char const* origin = "PopGenetics::calc_all_gam_des()";

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "base/trimat.h"
+#include "inference/association_tables.h"
 #include "inference/chain_run.h"
 #include "inference/first_seen.h"
 #include "inference/formula/two_locus_em.h"
@@ -304,8 +305,12 @@ void Population::calc_all_link_dis(std::ostream& out, TPhenDB const& ph, setting
     TriMat p_values(n);
     bool const finished =
         test_pairs(*this, {ph, s.MaximumNumOfIterationsEM, steps, nbInit, epsilon}, loci, s, p_values,
-                   [&out](LinkedGenotypePair const& pair) { print_ld_genotype_pair(out, pair); });
+                   [&](LinkedGenotypePair const& pair) {
+                       print_ld_genotype_pair(out, pair);
+                       write_linkage_batch_row(pop_name().str(), pair.test);
+                   });
     if (!finished || n == 0) return;
+    write_linkage_side_table(s, pop_name().str(), p_values, n);
     out << "\nHistogram of the number of linked loci per locus\n";
     s.print_diseq_table(p_values, n, loci.data());
     print_linked_loci(out, p_values, loci, s.SignificanceLevelLD);

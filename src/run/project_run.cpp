@@ -120,6 +120,7 @@ bool Project::clean_input(RunFrame& frame) {
     for (std::string* path : {&settings::input_file, &settings_->result_file, &settings_->backup_file,
                               &settings_->project_dir, &settings_->ld_output_file})
         *path = forward_slashes(*path);
+    if (!settings_->keepProjectResults) std::remove(settings_->ld_output_file.c_str());
     start_clock = std::clock();
     distance_computed = 0;
     return true;
