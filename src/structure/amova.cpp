@@ -196,14 +196,18 @@ void Amova::initialize(AmovaInput input) {
     plan_ = PermutationPlan(set.NumPermutationsAMOVA);
     sizes_ = std::move(input.sizes);
     distances_ = std::move(input.distances);
-    observed_genes_ = std::move(input.genes);
-    genes_ = observed_genes_;
+    genes_ = std::move(input.genes);
+    if (plan_.permutations > 0) {
+        observed_genes_ = genes_;
+    }
     sums_.Nu = individual_level_ ? 0.5 * sizes_.total : sizes_.total;
     if (sums_.Nu >= 2147483647.0) {
         E.error(ErrorType::Memory, "Amova::initialize()", 0);
     }
-    order_.resize(sizes_.copies.size());
-    std::iota(order_.begin(), order_.end(), 0);
+    if (sizes_.groups() > 1) {
+        order_.resize(sizes_.copies.size());
+        std::iota(order_.begin(), order_.end(), 0);
+    }
     slices_ = gene_slices(sizes_.copies, static_cast<int>(genes_.size()));
     S_.assign(sizes_.copies.size(), 0.0);
 }
@@ -314,8 +318,9 @@ void Amova::compute_observed_sums(bool individuals) {
     compute_SSDP();
     sums_.W = within_terms(S_, sizes_);
     sums_.I = individuals ? compute_SSDWI() : 0.0;
-    groups_ = group_sums(sizes_, population_sums_, order_, static_cast<int>(sums_.Nu));
-    permuted_groups_ = groups_;
+    if (sizes_.groups() > 1) {
+        groups_ = group_sums(sizes_, population_sums_, order_, static_cast<int>(sums_.Nu));
+    }
 }
 
 double Amova::permuted_within_terms() {

@@ -19,6 +19,9 @@ int Amova::one_group_of_haplotypes(PermutationScheme scheme, int case_number) {
     AmovaTest const tests[] = {{0, slot_FST, "FST", false, scheme, PermutationTail::above}};
     // The context is shared with the design that permutes individuals.
     AmovaDesign const design{"Amova::AMOVA_1G_P_H()", case_number, rows, indices, nullptr, tests, false};
+    if (plan_.permutations == 0) {
+        return run_design(design, {});
+    }
     double const among = 1.0 / (table_.df[0] * table_.n);
     double const within = 1.0 / (table_.df[1] * table_.n);
     Statistic const va = [this, scheme, among, within] {

@@ -26,6 +26,9 @@ int Amova::AMOVA_1G_P_I() {
     compute_observed_sums(true);
     table_ = one_group_individuals(sizes_, sums_);
     AmovaDesign const design{"Amova::AMOVA_1G_P_I()", 2, rows, indices, " Fixation Indices\n", tests, true};
+    if (plan_.permutations == 0) {
+        return run_design(design, {});
+    }
     double const a = table_.df[0], b = table_.df[1], c = table_.df[2], n = table_.n;
     Statistic const vb = [this, b, c] {
         permute(PermutationScheme::PHAIWP, sizes_, genes_);

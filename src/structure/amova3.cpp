@@ -20,6 +20,9 @@ int Amova::groups_of_haplotypes(PermutationScheme among, PermutationScheme withi
                                {1, slot_FSC, "FSC", false, within, PermutationTail::above},
                                {0, slot_FCT, "FCT", true, among, PermutationTail::above}};
     AmovaDesign const design{"Amova::AMOVA_G_P_H()", case_number, rows, indices, " Fixation Indices\n", tests, false};
+    if (plan_.permutations == 0) {
+        return run_design(design, {});
+    }
     double const b = table_.df[1], c = table_.df[2];
     Statistic const vc = [this, among, c] {
         permute(among, sizes_, genes_);

@@ -25,6 +25,9 @@ int Amova::AMOVA_G_P_I() {
     compute_observed_sums(true);
     table_ = groups_individuals(sizes_, sums_, groups_);
     AmovaDesign const design{"Amova::AMOVA_G_P_I()", 4, rows, indices, " Fixation Indices\n", tests, true};
+    if (plan_.permutations == 0) {
+        return run_design(design, {});
+    }
     double const b = table_.df[1], c = table_.df[2], d = table_.df[3], n = table_.n;
     Statistic const vd = [this, d] {
         permute(PermutationScheme::PHAPAG, sizes_, genes_);

@@ -15,6 +15,9 @@ int Amova::AMOVA_1G_1P_I() {
     compute_observed_sums(true);
     table_ = one_population_individuals(sums_);
     AmovaDesign const design{"Amova::AMOVA_1G_1P_I()", 6, rows, indices, nullptr, tests, true};
+    if (plan_.permutations == 0) {
+        return run_design(design, {});
+    }
     double const a = table_.df[0], b = table_.df[1];
     Statistic const va = [this, a, b] {
         permute(PermutationScheme::PHAIWP, sizes_, genes_);

@@ -6,6 +6,7 @@
 #include <cmath>
 #include <cstdint>
 #include <cstring>
+#include <numeric>
 #include <utility>
 
 #include "base/trimat.h"
@@ -348,24 +349,38 @@ double dense_within(PairDistances const& d, double const* f, int n) {
     return sum;
 }
 
+/// Pairs of different haplotypes of two rows of counts, for the 0/1 distance: whole numbers, in any order. Element n + 1
+/// of a row is the sum of the n counts.
+double different_pairs(double const* f, double const* g, int n) {
+    double equal = 0.0;
+    for (int i = 0; i < n; ++i) {
+        equal += f[i] * g[i];
+    }
+    return f[n + 1] * g[n + 1] - equal;
+}
+
 /// As population_sums, for few haplotypes: all counts in one table.
 std::vector<double> dense_population_sums(PairDistances const& d, std::span<GeneSlice const> slices,
                                           std::span<int const> genes) {
     int const n = d.size();
-    std::vector<double> counts(slices.size() * (static_cast<std::size_t>(n) + 1), 0.0);
-    auto const row = [&](std::size_t p) { return counts.data() + p * (static_cast<std::size_t>(n) + 1); };
+    // A row holds n counts, the copies without a known haplotype, and the sum of the n.
+    std::size_t const width = static_cast<std::size_t>(n) + 2;
+    std::vector<double> counts(slices.size() * width, 0.0);
+    auto const row = [&](std::size_t p) { return counts.data() + p * width; };
     for (std::size_t p = 0; p < slices.size(); ++p) {
         for (int k = slices[p].begin; k < slices[p].end; ++k) {
             row(p)[genes[k]] += 1.0;
         }
+        row(p)[n + 1] = std::accumulate(row(p), row(p) + n, 0.0);
     }
     std::vector<double> sums;
     sums.reserve(slices.size() * (slices.size() + 1) / 2);
     for (std::size_t p = 0; p < slices.size(); ++p) {
         for (std::size_t q = 0; q < p; ++q) {
-            sums.push_back(dense_among(d, row(p), row(q), n));
+            sums.push_back(d.conventional() ? different_pairs(row(p), row(q), n)
+                                            : dense_among(d, row(p), row(q), n));
         }
-        sums.push_back(dense_within(d, row(p), n));
+        sums.push_back(d.conventional() ? 0.5 * different_pairs(row(p), row(p), n) : dense_within(d, row(p), n));
     }
     return sums;
 }
