@@ -49,6 +49,17 @@ double tree_draws_and_logarithms(int n) noexcept {
     return sum;
 }
 
+double wander_draws_and_logarithms(long events, long draws) noexcept {
+    double sum = 0.0;
+    for (long i = 0; i < events; ++i) {
+        sum += std::log(1.0 - uniform());
+    }
+    for (long i = events; i < draws; ++i) {
+        sum += uniform();
+    }
+    return sum;
+}
+
 double draws_and_scans(int const* steps, std::size_t draws, double const* table, std::size_t size) noexcept {
     double total = 0.0;
     for (std::size_t d = 0; d < draws; ++d) {

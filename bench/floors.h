@@ -16,8 +16,13 @@ double sum_of_mt19937_64(std::mt19937_64& engine, int n) noexcept;
 /// Number of differing bytes of every pair of k rows of n bytes, row-major; the counts go to k (k - 1) / 2 ints.
 void count_different_bytes(char const* rows, std::size_t k, std::size_t n, int* counts) noexcept;
 
-/// The draws and logarithms of a coalescent tree of n tips: n - 1 of either for the times, 2 (n - 1) draws for the shape.
+/// The draws and logarithms of a coalescent tree of n tips: n - 1 of either for the times, 2 (n - 1) draws for the
+/// shape.
 double tree_draws_and_logarithms(int n) noexcept;
+
+/// The draws and logarithms of a tree of lineages that wander among demes: a draw with its logarithm for each
+/// of `events`, and the rest of `draws` bare.
+double wander_draws_and_logarithms(long events, long draws) noexcept;
 
 /// A draw for each of `draws` scans, and for each of its steps a term of the table divided by the number of the step.
 ///

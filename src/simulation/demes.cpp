@@ -32,32 +32,30 @@ void DemeLineages::create(int d, int per_group) {
         clean();
         return;
     }
-    std::size_t const n = index(std::max(0, d));
     per_group_ = std::max(1, per_group);
-    lineages_.assign(n, {});
-    slot_.assign(n, -1);
+    demes_.assign(index(std::max(0, d)), Deme());
     occupied_.clear();
-    occupied_.reserve(n);
-    occupied_counts_.clear();
-    occupied_counts_.reserve(n);
-    group_of_.clear();
+    occupied_.reserve(demes_.size());
     first_of_group_.clear();
     for (int deme = 0; deme < d; ++deme) {
         if (deme % per_group_ == 0) first_of_group_.push_back(deme);
-        group_of_.push_back(deme / per_group_);
+        demes_[index(deme)].group = deme / per_group_;
     }
-    group_counts_.assign(first_of_group_.size(), 0);
     pairs_ = 0;
     active_ = 0;
 }
 
 void DemeLineages::clean() noexcept {
-    for (std::vector<int>& lineages : lineages_) lineages.clear();
+    for (Occupied const& o : occupied_) demes_[index(o.deme)].lineages.clear();
     occupied_.clear();
-    occupied_counts_.clear();
-    std::fill(group_counts_.begin(), group_counts_.end(), 0);
     pairs_ = 0;
     active_ = 0;
+}
+
+int DemeLineages::count_in_group(int group) const noexcept {
+    int sum = 0;
+    for (Occupied const& o : occupied_) sum += group_of(o.deme) == group ? o.count : 0;
+    return sum;
 }
 
 void DemeLineages::settle(int deme, int first, int n) {
@@ -65,70 +63,30 @@ void DemeLineages::settle(int deme, int first, int n) {
     active_ += n;
 }
 
-void DemeLineages::add_lineage(int deme, int lineage) {
-    std::vector<int>& here = lineages_[index(deme)];
-    if (here.empty()) {
-        slot_[index(deme)] = occupied();
-        occupied_.push_back(deme);
-        occupied_counts_.push_back(0);
-    }
-    pairs_ += static_cast<std::int64_t>(here.size());
-    here.push_back(lineage);
-    ++occupied_counts_[index(slot_[index(deme)])];
-    ++group_counts_[index(group_of_[index(deme)])];
-}
-
 int DemeLineages::slot_of_rate(double v) const noexcept {
     // The sums are whole numbers, and a deme with a single lineage can't be the first to reach 1 or more.
     std::int64_t const wanted =
-        std::clamp<std::int64_t>(static_cast<std::int64_t>(std::ceil(v)), 1, pairs_ > 0 ? pairs_ : 1);
+        std::clamp<std::int64_t>(static_cast<std::int64_t>(std::ceil(v)), 1, std::max<std::int64_t>(pairs_, 1));
     std::int64_t sum = 0;
-    for (std::size_t slot = 0; slot < occupied_counts_.size(); ++slot) {
-        sum += pairs_of(occupied_counts_[slot]);
+    for (std::size_t slot = 0; slot < occupied_.size(); ++slot) {
+        sum += pairs_of(occupied_[slot].count);
         if (sum >= wanted) return static_cast<int>(slot);
     }
     return -1;
 }
 
-DemeLineages::Place DemeLineages::place_of(int j) const noexcept {
-    int const* const counts = occupied_counts_.data();
-    int slot = 0;
-    while (j >= counts[slot]) j -= counts[slot++];
-    return {slot, j};
-}
-
 DemeLineages::Pair DemeLineages::coalesce(int slot, int left, int right, int node) noexcept {
-    int const deme = deme_at(slot);
-    std::vector<int>& here = lineages_[index(deme)];
+    Occupied& deme = occupied_[index(slot)];
+    std::vector<int>& here = demes_[index(deme.deme)].lineages;
     Pair pair{here[index(left)], 0};
     here[index(left)] = here.back();
     here.pop_back();
     pair.right = here[index(right)];
     here[index(right)] = node;
     pairs_ -= static_cast<std::int64_t>(here.size());
-    --occupied_counts_[index(slot)];
-    --group_counts_[index(group_of(deme))];
+    --deme.count;
     --active_;
     return pair;
-}
-
-void DemeLineages::move(Place const& from, int target) {
-    int const source = deme_at(from.slot);
-    std::vector<int>& here = lineages_[index(source)];
-    int const lineage = here[index(from.position)];
-    here[index(from.position)] = here.back();
-    here.pop_back();
-    pairs_ -= static_cast<std::int64_t>(here.size());
-    --group_counts_[index(group_of(source))];
-    if (--occupied_counts_[index(from.slot)] == 0) {
-        int const last = occupied_.back();
-        occupied_[index(from.slot)] = last;
-        occupied_counts_[index(from.slot)] = occupied_counts_.back();
-        slot_[index(last)] = from.slot;
-        occupied_.pop_back();
-        occupied_counts_.pop_back();
-    }
-    add_lineage(target, lineage);
 }
 
 }  // namespace tov

@@ -52,17 +52,17 @@ public:
     /// No lineage anywhere; the memory stays.
     void clean() noexcept;
 
-    [[nodiscard]] int demes() const noexcept { return static_cast<int>(lineages_.size()); }
+    [[nodiscard]] int demes() const noexcept { return static_cast<int>(demes_.size()); }
     [[nodiscard]] int per_group() const noexcept { return per_group_; }
     [[nodiscard]] int groups() const noexcept { return static_cast<int>(first_of_group_.size()); }
     [[nodiscard]] int active() const noexcept { return active_; }
     [[nodiscard]] int occupied() const noexcept { return static_cast<int>(occupied_.size()); }
-    [[nodiscard]] int count(int deme) const noexcept { return static_cast<int>(lineages_[index(deme)].size()); }
-    [[nodiscard]] int count_in_group(int group) const noexcept { return group_counts_[index(group)]; }
-    [[nodiscard]] std::span<int const> lineages(int deme) const noexcept { return lineages_[index(deme)]; }
-    [[nodiscard]] int group_of(int deme) const noexcept { return group_of_[index(deme)]; }
+    [[nodiscard]] int count(int deme) const noexcept { return static_cast<int>(demes_[index(deme)].lineages.size()); }
+    [[nodiscard]] int count_in_group(int group) const noexcept;
+    [[nodiscard]] std::span<int const> lineages(int deme) const noexcept { return demes_[index(deme)].lineages; }
+    [[nodiscard]] int group_of(int deme) const noexcept { return demes_[index(deme)].group; }
     [[nodiscard]] int first_of_group(int group) const noexcept { return first_of_group_[index(group)]; }
-    [[nodiscard]] int deme_at(int slot) const noexcept { return occupied_[index(slot)]; }
+    [[nodiscard]] int deme_at(int slot) const noexcept { return occupied_[index(slot)].deme; }
     /// Total coalescence rate.
     [[nodiscard]] double coalescence_rate() const noexcept { return static_cast<double>(pairs_); }
 
@@ -73,7 +73,13 @@ public:
     /// when no deme has two lineages.
     [[nodiscard]] int slot_of_rate(double v) const noexcept;
     /// The j-th lineage, counted through the occupied demes in their order.
-    [[nodiscard]] Place place_of(int j) const noexcept;
+    [[nodiscard]] Place place_of(int j) const noexcept {
+        if (occupied() == active_) return {j, 0};
+        Occupied const* const all = occupied_.data();
+        int slot = 0;
+        while (j >= all[slot].count) j -= all[slot++].count;
+        return {slot, j};
+    }
 
     /// Two lineages of the deme in `slot` join: `node` takes the place of the second one.
     struct Pair {
@@ -84,21 +90,51 @@ public:
     /// @param right  position of the second pick among the others.
     Pair coalesce(int slot, int left, int right, int node) noexcept;
     /// Moves a lineage to another deme; a deme left empty is no longer occupied, the last one takes its slot.
-    void move(Place const& from, int target);
+    void move(Place const& from, int target) {
+        Occupied& source = occupied_[index(from.slot)];
+        std::vector<int>& here = demes_[index(source.deme)].lineages;
+        int const lineage = here[index(from.position)];
+        here[index(from.position)] = here.back();
+        here.pop_back();
+        pairs_ -= static_cast<std::int64_t>(here.size());
+        if (--source.count == 0) {
+            source = occupied_.back();
+            demes_[index(source.deme)].slot = from.slot;
+            occupied_.pop_back();
+        }
+        add_lineage(target, lineage);
+    }
 
 private:
+    struct Deme {
+        std::vector<int> lineages;
+        int slot = -1;  ///< valid while occupied
+        int group = 0;
+    };
+    struct Occupied {
+        int deme;
+        int count;  ///< of its lineages
+    };
+
     static std::size_t index(int i) noexcept { return static_cast<std::size_t>(i); }
     static std::int64_t pairs_of(std::int64_t c) noexcept { return c * (c - 1) / 2; }
-    void add_lineage(int deme, int lineage);
+    void add_lineage(int deme, int lineage) {
+        Deme& target = demes_[index(deme)];
+        std::size_t const before = target.lineages.size();
+        target.lineages.push_back(lineage);
+        pairs_ += static_cast<std::int64_t>(before);
+        if (before == 0) {
+            target.slot = occupied();
+            occupied_.push_back({deme, 1});
+        } else {
+            ++occupied_[index(target.slot)].count;
+        }
+    }
 
     int per_group_ = 0;
-    std::vector<std::vector<int>> lineages_;  ///< by deme
-    std::vector<int> occupied_;               ///< demes with lineages, in the order of their first one
-    std::vector<int> occupied_counts_;        ///< lineages, by slot
-    std::vector<int> slot_;                   ///< by deme, valid while occupied
-    std::vector<int> group_of_;               ///< by deme
+    std::vector<Deme> demes_;
+    std::vector<Occupied> occupied_;  ///< in the order of their first lineage, but for filled gaps
     std::vector<int> first_of_group_;
-    std::vector<int> group_counts_;  ///< lineages, by group
     std::int64_t pairs_ = 0;
     int active_ = 0;
 };

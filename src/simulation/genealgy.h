@@ -74,12 +74,12 @@ public:
         _tot_mut = 0;
     }
 
-    double time = 0.0;          ///< coalescent units, 0 for a tip
-    TNode* left = nullptr;      ///< borrowed, as are the other two
+    double time = 0.0;      ///< coalescent units, 0 for a tip
+    TNode* left = nullptr;  ///< borrowed, as are the other two
     TNode* right = nullptr;
     std::vector<unsigned char> snp_flags;  ///< one a site; sites beyond the end count as flagged
     TNode* ancestor = nullptr;
-    std::vector<int> left_nodes;   ///< numbers of the nodes on the left, the left child included
+    std::vector<int> left_nodes;  ///< numbers of the nodes on the left, the left child included
     std::vector<int> right_nodes;
     std::unique_ptr<myVectInt> sequence;  ///< made on first use
     int num_sites = 0;
@@ -259,6 +259,13 @@ private:
 
     void start_structured(SampledCopies const& sampled);
     int run_islands(MigrationRates const& rates, bool two_levels);
+    // The events with the source of their numbers.
+    template <class Draws>
+    void join_in_a_deme(Draws& draws, double t);
+    template <class Draws>
+    void move_among_demes(Draws& draws);
+    template <class Draws>
+    void move_on_two_levels(Draws& draws, int demes_per_group, int groups, double m_within, double m_between);
     [[nodiscard]] int label_tips();
     [[nodiscard]] int compare_labelled_tips();
     void count_states(SiteStatistics& statistics);

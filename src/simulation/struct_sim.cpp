@@ -2,6 +2,7 @@
 #include "simulation/struct_sim.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <iostream>
 #include <numeric>
@@ -32,6 +33,53 @@ public:
 
 private:
     std::vector<int> left_;
+};
+
+/// Numbers of the process-wide generator.
+struct GlobalDraws {
+    static double next() noexcept { return uniform(); }
+};
+
+/// The same numbers from a copy of the seeded generator, which goes back at the end: a local state stays in registers.
+class BorrowedDraws {
+public:
+    BorrowedDraws() : state_(random_state.ran3) {}
+    ~BorrowedDraws() { random_state.ran3 = state_; }
+    BorrowedDraws(BorrowedDraws const&) = delete;
+    BorrowedDraws& operator=(BorrowedDraws const&) = delete;
+    double next() noexcept { return state_.draw(); }
+
+private:
+    Ran3State state_;
+};
+
+/// Adds up exponential waiting times. Nothing but a coalescence asks for the time, so that the logarithms of the
+/// migrations before it are taken in one go.
+class IslandClock {
+public:
+    /// @param u  uniform number. @param R  rate of the next event.
+    void wait(double u, double R) noexcept {
+        u_[waiting_] = u;
+        R_[waiting_] = R;
+        if (++waiting_ == most) add_up();
+    }
+    [[nodiscard]] double time() noexcept {
+        add_up();
+        return t_;
+    }
+
+private:
+    static constexpr std::size_t most = 64;
+
+    void add_up() noexcept {
+        for (std::size_t i = 0; i < waiting_; ++i) t_ += -std::log(1.0 - u_[i]) / R_[i];
+        waiting_ = 0;
+    }
+
+    std::array<double, most> u_;
+    std::array<double, most> R_;
+    std::size_t waiting_ = 0;
+    double t_ = 0.0;
 };
 
 int cannot_build() {
@@ -96,13 +144,14 @@ void TTree::createInitialNodes(SampledCopies const& sampled, int demes_per_group
 
 // --- TTree: events ---
 
-void TTree::coalesceWithinAPop(double const& t) {
-    int const slot = demes_.slot_of_rate(uniform() * demes_.coalescence_rate());
+template <class Draws>
+inline void TTree::join_in_a_deme(Draws& draws, double t) {
+    int const slot = demes_.slot_of_rate(draws.next() * demes_.coalescence_rate());
     if (slot < 0) return;
     int const id = 2 * sample_size() - demes_.active();
     int const c = demes_.count(demes_.deme_at(slot));
-    int const left = truncated(c * uniform());
-    int const right = truncated((c - 1) * uniform());
+    int const left = truncated(c * draws.next());
+    int const right = truncated((c - 1) * draws.next());
     DemeLineages::Pair const pair = demes_.coalesce(slot, left, right, id);
     TNode& node = (*this)[id];
     node.time = t;
@@ -112,54 +161,73 @@ void TTree::coalesceWithinAPop(double const& t) {
     node.right->ancestor = &node;
 }
 
-void TTree::sendMigrant() {
+template <class Draws>
+inline void TTree::move_among_demes(Draws& draws) {
     int const d = demes_.demes();
     if (d < 2 || demes_.active() == 0) return;
-    DemeLineages::Place const from = demes_.place_of(truncated(demes_.active() * uniform()));
+    DemeLineages::Place const from = demes_.place_of(truncated(demes_.active() * draws.next()));
     int const source = demes_.deme_at(from.slot);
     int target = source;
-    while (target == source) target = truncated(uniform() * d);
+    while (target == source) target = truncated(draws.next() * d);
     demes_.move(from, target);
 }
 
-void TTree::sendMigrant2Levels(int demes_per_group, int groups, double m_within, double m_between) {
+template <class Draws>
+inline void TTree::move_on_two_levels(Draws& draws, int demes_per_group, int groups, double m_within,
+                                      double m_between) {
     double const m = m_within + m_between;
     if (m == 0.0 || demes_.active() == 0) return;
-    bool const between = m_within / m <= uniform();
+    bool const between = m_within / m <= draws.next();
     if (between ? groups < 2 : demes_per_group < 2) return;
-    DemeLineages::Place const from = demes_.place_of(truncated(demes_.active() * uniform()));
+    DemeLineages::Place const from = demes_.place_of(truncated(demes_.active() * draws.next()));
     int const source = demes_.deme_at(from.slot);
     int const group = demes_.group_of(source);
     if (between) {
         int target = group;
-        while (target == group) target = truncated(uniform() * groups);
+        while (target == group) target = truncated(draws.next() * groups);
         // kept on purpose: the truncation comes before the product, so that the deme is always the group's first one.
-        int const deme = truncated(uniform()) * demes_per_group;
+        int const deme = truncated(draws.next()) * demes_per_group;
         demes_.move(from, demes_.first_of_group(target) + deme);
     } else {
         int const base = demes_.first_of_group(group);
         int target = source;
-        while (target == source) target = base + truncated(uniform() * demes_per_group);
+        while (target == source) target = base + truncated(draws.next() * demes_per_group);
         demes_.move(from, target);
     }
+}
+
+void TTree::coalesceWithinAPop(double const& t) {
+    GlobalDraws draws;
+    join_in_a_deme(draws, t);
+}
+
+void TTree::sendMigrant() {
+    GlobalDraws draws;
+    move_among_demes(draws);
+}
+
+void TTree::sendMigrant2Levels(int demes_per_group, int groups, double m_within, double m_between) {
+    GlobalDraws draws;
+    move_on_two_levels(draws, demes_per_group, groups, m_within, m_between);
 }
 
 int TTree::run_islands(MigrationRates const& rates, bool two_levels) {
     double const m = rates.total();
     int const s = demes_.per_group();
     int const g = demes_.groups();
-    double t = 0.0;
+    IslandClock clock;
+    BorrowedDraws draws;
     while (demes_.active() > 1) {
         double const coalescence = demes_.coalescence_rate();
         double const R = coalescence + demes_.active() * m * deme_size;
         if (!(R > 0.0) || !std::isfinite(R)) return 0;
-        t += -std::log(1.0 - uniform()) / R;
-        if (uniform() * R < coalescence) {
-            coalesceWithinAPop(t);
+        clock.wait(draws.next(), R);
+        if (draws.next() * R < coalescence) {
+            join_in_a_deme(draws, clock.time());
         } else if (two_levels) {
-            sendMigrant2Levels(s, g, rates.within, rates.between);
+            move_on_two_levels(draws, s, g, rates.within, rates.between);
         } else {
-            sendMigrant();
+            move_among_demes(draws);
         }
     }
     if (sample_size() > 0) root().ancestor = nullptr;

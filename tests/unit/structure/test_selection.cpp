@@ -325,6 +325,97 @@ TEST(Heterozygosity, OfSamplesAndGroupsIsWeightedByGeneCopies) {
     EXPECT_EQ(p.analysed.alleles[1]->mean_heterozygosity, 0.0);
 }
 
+/// What a detection borrows from the settings.
+std::vector<long> borrowed_settings(settings const& set) {
+    return {set.TaskNumber,
+            set.HaplAMOVA,
+            set.LocByLocAMOVA,
+            set.NumPermutationsAMOVA,
+            set.ComputeConventionalFST,
+            set.ComputeDistanceMatrixAMOVA,
+            set.ComputeDeltaMuSqr,
+            set.ComputePairwiseFST,
+            set.PrintMissIntermatchs,
+            set.KeepNullDistrib,
+            set.silent_structure,
+            set.DistanceMethodAMOVA};
+}
+
+/// A detection of a few loci of individuals, which is stopped as soon as the observed loci are analysed.
+struct StoppedDetection {
+    explicit StoppedDetection(int loci, int stop) {
+        std::string row;
+        for (int i = 0; i < loci; ++i) row += " %";
+        std::string text =
+            "[Profile]\nTitle=\"t\"\nNbSamples=3\nDataType=STANDARD\nGenotypicData=1\nGameticPhase=1\n"
+            "LocusSeparator=WHITESPACE\nMissingData='?'\n[Data]\n[[Samples]]\n";
+        auto const alleles = [&](char allele) {
+            std::string alleles_row = row;
+            std::replace(alleles_row.begin(), alleles_row.end(), '%', allele);
+            return alleles_row + "\n";
+        };
+        text += test::sample_text("S1", "6", "a 5" + alleles('1') + alleles('1') + "b 1" + alleles('1') + alleles('2'));
+        text += test::sample_text("S2", "6", "a 2" + alleles('1') + alleles('1') + "b 4" + alleles('1') + alleles('2'));
+        text += test::sample_text("S3", "6", "b 1" + alleles('1') + alleles('2') + "c 5" + alleles('2') + alleles('2'));
+        text += "[[Structure]]\nStructureName=\"g\"\nNbGroups=2\nGroup={\n\"S1\"\n\"S2\"\n}\nGroup={\n\"S3\"\n}\n";
+        SelectionProject project(text, true, true);
+        settings& set = project.analysed.set;
+        set.silent_structure = false;
+        set.TaskNumber = 77;
+        set.NumberOfSimsForFDist2 = 1000;
+        set.NumberOfDemesForFDist2 = 10;
+        set.NumPermutationsAMOVA = 333;
+        set.KeepNullDistrib = 1;
+        set.tree_script = "tree.js";
+        set.project_dir = "";
+        set.set_ofs(&document);
+        E.results = &document;
+        std::vector<long> const before = borrowed_settings(set);
+        StructureActions actions;
+        actions.convert_genotypes = [&] { set.stop = stop; };
+        actions.calc_dist_matrix = [](int, double) { return 1; };
+        actions.print_distance_matrix = [] {};
+        detect_selected_loci(project.view, actions, false);
+        EXPECT_EQ(borrowed_settings(set), before);
+        EXPECT_EQ(&set.ofs(), &document);
+        EXPECT_EQ(E.results, &document);
+        EXPECT_EQ(set.tree_script, "tree.js");
+        EXPECT_EQ(project.tested.nb_groups(), 2);
+        EXPECT_FALSE(std::ifstream("tree.js").good());
+        result = project.analysed.project.result;
+    }
+    test::ScratchDirectory scratch;
+    std::ostringstream document;
+    int result = 0;
+    [[nodiscard]] int simulated() const {
+        std::string const table = scratch.read("fdist2_simOut.txt");
+        return static_cast<int>(std::count(table.begin(), table.end(), '\n')) - 1;
+    }
+};
+
+TEST(Detection, StoppedAmongTheObservedLociRestoresAllAndPrintsNothing) {
+    StoppedDetection const detection(10, 1);
+    ASSERT_EQ(detection.result, 1);
+    EXPECT_EQ(detection.document.str(), "");
+    EXPECT_FALSE(detection.scratch.has("fdist2_simOut.txt"));
+}
+
+TEST(Detection, StoppedAmongTheSimulationsRestoresAllAndPrintsNothing) {
+    StoppedDetection const detection(3, 1);
+    ASSERT_EQ(detection.result, 1);
+    EXPECT_EQ(detection.document.str(), "");
+    EXPECT_EQ(detection.simulated(), 10);
+    EXPECT_FALSE(detection.scratch.has("fdist2_ObsOut.txt"));
+}
+
+TEST(Detection, RunToItsEndRestoresAll) {
+    StoppedDetection const detection(3, 0);
+    ASSERT_EQ(detection.result, 1);
+    EXPECT_NE(detection.document.str().find("Finite island model:"), std::string::npos);
+    EXPECT_EQ(detection.simulated(), 1000);
+    EXPECT_TRUE(detection.scratch.has("fdist2_ObsOut.txt"));
+}
+
 class SimulationFiles : public ::testing::Test {
 protected:
     test::ScratchDirectory scratch;
