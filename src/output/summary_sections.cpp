@@ -6,6 +6,7 @@
 
 #include "diversity/formula/heterozygosity.h"
 #include "diversity/formula/locus_statistics.h"
+#include "diversity/pooled_range.h"
 #include "diversity/popdna.h"
 #include "input/settings.h"
 #include "model/sample.h"
@@ -130,23 +131,6 @@ private:
         return counts;
     }
 
-    /// Smallest and largest size of a locus over all samples; false without any.
-    [[nodiscard]] bool pooled_range(int locus, double& range) const {
-        bool found = false;
-        double low = 0.0, high = 0.0;
-        for (PopGenetics const* const population : populations_) {
-            LocusTable const& t = population->locus_table();
-            if (locus < static_cast<int>(t.copies.size()) && locus < static_cast<int>(t.min_size.size()) &&
-                t.copies[locus] > 0) {
-                low = found ? std::min(low, static_cast<double>(t.min_size[locus])) : t.min_size[locus];
-                high = found ? std::max(high, static_cast<double>(t.max_size[locus])) : t.max_size[locus];
-                found = true;
-            }
-        }
-        range = high - low;
-        return found;
-    }
-
     [[nodiscard]] SummaryTable basic() const {
         SummaryTable t{"Basic indices", "Basic", "\nBasic properties\n", "Statistics", "", "", false, {}};
         t.rows = {count("No. of gene copies", [](PopGenetics const& p) { return p.nb_genes(); }),
@@ -203,8 +187,7 @@ private:
         SummaryTable t{"Allelic range", "allRange", "\nAllelic size range", "Locus#", "Tot. range",
                        "sumAllelicSizeRange", true, locus_rows(&LocusTable::range, 0)};
         for (std::size_t l = 0; l < t.rows.size(); ++l) {
-            double range = 0.0;
-            t.rows[l].total = pooled_range(static_cast<int>(l), range) ? range : -1.0;
+            t.rows[l].total = pooled_range(populations_, static_cast<int>(l)).value_or(-1.0);
         }
         return t;
     }
@@ -218,11 +201,10 @@ private:
         SummaryTable t{"Garza-Williamson modified index", "GWN", "\nGarza-Williamson modified index", "Locus#", "",
                        "sumModGWIndex", true, {}};
         for (int l = 0; l < loci(); ++l) {
-            double range = 0.0;
-            bool const known = pooled_range(l, range);
+            auto const range = pooled_range(populations_, l);
             t.rows.push_back(row(std::to_string(l + 1), [&](PopGenetics const& p) {
                 auto const& alleles = p.locus_table().alleles;
-                return known && l < static_cast<int>(alleles.size()) ? alleles[l] / (range + 1.0) : -1.0;
+                return range && l < static_cast<int>(alleles.size()) ? alleles[l] / (*range + 1.0) : -1.0;
             }));
         }
         return t;

@@ -99,6 +99,7 @@ struct PairCounts {
 }  // namespace
 
 PairwiseResults const* last_pairwise_results() noexcept { return latest.get(); }
+void forget_pairwise_results() noexcept { latest.reset(); }
 
 namespace {
 
@@ -236,6 +237,8 @@ int Amova::CalcPairDist() {
     auto results = std::make_unique<PairwiseResults>(R);
     results->plan = PermutationPlan(set.NumPermutationsFST < 1 ? 1 : set.NumPermutationsFST);
     results->tested = tasks.test;
+    results->has_fst = tasks.fst;
+    results->has_delta_mu = tasks.delta_mu;
     if (tasks.divergence) {
         results->divergence = std::make_unique<DivergenceMatrices>(R);
     }

@@ -31,9 +31,13 @@ struct PairwiseResults {
     std::unique_ptr<DivergenceMatrices> divergence;  ///< only with unequal population sizes
     PermutationPlan plan{0};
     bool tested = false;
+    bool has_fst = false;       ///< FST and mean differences are computed
+    bool has_delta_mu = false;  ///< delta_mu is computed
 };
 
 /// Results of the last run over pairs, for the summary statistics; null before the first.
 [[nodiscard]] PairwiseResults const* last_pairwise_results() noexcept;
+/// Makes them null again: the pairs of another level or project begin.
+void forget_pairwise_results() noexcept;
 
 }  // namespace tov
