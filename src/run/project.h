@@ -139,6 +139,8 @@ private:
     void analyse_level(LevelWords const& words);
     void assign_genotypes();
     void analyse_samples(LevelWords const& words);
+    void add_chosen_statistics(bool groups);
+    void write_chosen_statistics();
     void GenStructCalculations();
     [[nodiscard]] StructureActions structure_actions();
     void detect_selection();

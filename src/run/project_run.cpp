@@ -20,11 +20,14 @@
 #include "output/html_out.h"
 #include "output/references.h"
 #include "output/style.h"
+#include "output/sumstat.h"
 #include "output/table.h"
 #include "output/xml.h"
 #include "run/errors.h"
 #include "run/paths.h"
 #include "run/project.h"
+#include "structure/pairdist.h"
+#include "structure/amova_results.h"
 
 namespace tov {
 namespace {
@@ -82,6 +85,7 @@ int Project::run() {
         return 0;
     }
     RunFrame frame(*settings_);
+    sum_stat().drop_line();
     if (!clean_input(frame)) return 0;
     open_result_document(frame);
     begin_document(frame);
@@ -94,6 +98,7 @@ int Project::run() {
     run_group_level();
     run_sample_level();
     detect_selection();
+    write_chosen_statistics();
     end_run(frame);
     return 1;
 }
@@ -307,7 +312,8 @@ struct Project::LevelWords {
 };
 
 void Project::run_group_level() {
-    if (!settings_->ComputeSumStatsWithinGroups) return;
+    TSumStat const& chosen = sum_stat();
+    if (chosen.in_force() ? !chosen.wants_groups() : !settings_->ComputeSumStatsWithinGroups) return;
     // The checks have adapted the settings to the data: the sample level needs them as they are now.
     ScopedSwap<settings> const keep_settings(*settings_);
     ScopedSwap<ProfileSettings> const keep_profile(p_pro());
@@ -321,15 +327,34 @@ void Project::run_group_level() {
     ScopedSwap<std::unique_ptr<Structure>> const swap_structure(structure_, std::move(pooled_structure));
     ScopedSwap<std::unique_ptr<Samples>> const swap_samples(samples_, std::move(pooled_samples));
     analyse_level({"\n== ANALYSES AT THE INTRA-GROUP LEVEL", "Groups", "_gr_analyses", true});
+    add_chosen_statistics(true);
 }
 
 void Project::run_sample_level() {
+    if (sum_stat().in_force() && !sum_stat().wants_samples()) return;
     samples_->pooled = 0;
     vectorsBuilt = 0;
     analyse_level({"\n== ANALYSES AT THE INTRA-POPULATION LEVEL", "Samples", "_samp_analyses", false});
 }
 
+void Project::add_chosen_statistics(bool groups) {
+    TSumStat& chosen = sum_stat();
+    chosen.collect({*settings_, *samples_, amova_.get(), last_pairwise_results()}, groups);
+    if (chosen.lines() == 0) chosen.outputHeader(settings_->DataType);
+    chosen.outputStats(settings_->DataType);
+}
+
+void Project::write_chosen_statistics() {
+    TSumStat& chosen = sum_stat();
+    if (!chosen.in_force()) return;
+    if (chosen.wants_samples()) add_chosen_statistics(false);
+    // A project that fails writes no line: the table begins with the first that ends.
+    chosen.writeToFile(chosen.lines() == 0);
+}
+
 void Project::analyse_level(LevelWords const& words) {
+    *amova_ = amova_results();
+    forget_pairwise_results();
     if (projectValid) {
         if (settings_->wants(task::genotype_assignment)) assign_genotypes();
         analyse_samples(words);

@@ -14,6 +14,7 @@
 #include "base/random.h"
 #include "input/settings.h"
 #include "output/glbobj.h"
+#include "output/sumstat.h"
 #include "run/errors.h"
 #include "run/paths.h"
 #include "run/project.h"
@@ -203,6 +204,8 @@ Turn obey_run_list() {
     RunList list(run_file);
     if (!list.good()) return Turn::go_on;
     list.read_head(ToveniaExeDirectory);
+    sum_stat().set_output(ToveniaExeDirectory + "sumstat_out.txt");
+    sum_stat().readDefSSFile(my_string((ToveniaExeDirectory + "sumstat_def.txt").c_str()));
     settings::num_proj_done = 0;
     if (list.directive == RunDirective::translate) {
         translate(list);
