@@ -26,8 +26,8 @@
 #include "run/errors.h"
 #include "run/paths.h"
 #include "run/project.h"
-#include "structure/pairdist.h"
 #include "structure/amova_results.h"
+#include "structure/pairdist.h"
 
 namespace tov {
 namespace {
