@@ -152,7 +152,7 @@ Table const tables[] = {
      "file_name\tpop_name\tid\tfreq\n"},
     {&_DETECT_SELECTION_, &ofs_selection_res, "selectionDetection.sum",
      "Detection of loci under selection:\n"
-     "file_name\tlow_0.001\tlow_0.005\tlow_0.01\tlow_0.025\tlow_0.05\t"
+     "file_name\tnb_sim\tnb_loci\tlow_0.001\tlow_0.005\tlow_0.01\tlow_0.025\tlow_0.05\t"
      "high_0.001\thigh_0.005\thigh_0.01\thigh_0.025\thigh_0.05\n"},
 };
 
