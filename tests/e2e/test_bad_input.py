@@ -11,11 +11,11 @@ ONE = dna_project(samples=ONE_SAMPLE)
 
 
 class BadProject(RunTestCase):
-    def run_bad(self, text, *messages, fails=True, name="bad"):
+    def run_bad(self, text, *messages, fails=True, name="bad", tasks=1):
         """Runs a project, then a good one; the bad one's log must hold the messages."""
         self.write(name + ".tvp", text)
         self.write("good.tvp", GOOD)
-        self.write("tov_run.tvs", settings_text(TaskNumber=1))
+        self.write("tov_run.tvs", settings_text(TaskNumber=tasks))
         self.write("tov_run.txt", "\nuse_interf_settings\n%s.tvp\n0\n0\ngood.tvp\n0\n0\nend\n" % name)
         self.tovcore("run_silent")
         self.assert_finished()
@@ -160,7 +160,8 @@ class Files(BadProject):
         self.run_bad(GOOD.replace("[[Samples]]", "# " + "x" * 1000000 + "\n[[Samples]]"), fails=False)
         self.run_bad(GOOD.replace("[[Samples]]", "x" * 1000000 + "\n[[Samples]]"), fails=False)
         long = "ACGT" * 250000
-        self.run_bad(dna_project(samples=(("S", (("h1", 2, long), ("h2", 1, long[:-1] + "A"))),)), fails=False)
+        self.run_bad(dna_project(samples=(("S", (("h1", 2, long), ("h2", 1, long[:-1] + "A"))),)), fails=False,
+                     tasks=0)
 
     def test_ten_thousand_samples(self):
         samples = tuple(("s%d" % i, (("h%d" % (i % 3), 2, "ACG" + "ACG"[i % 3]),)) for i in range(10000))

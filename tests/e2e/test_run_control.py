@@ -282,7 +282,7 @@ class AddedRuns(RunTestCase):
 
     def test_kept_results_make_one_document_of_two_runs(self):
         self.start(2, 1)
-        root = self.assert_well_formed("p.res", "p.xml").documentElement
+        root = self.parse_xml("p.res", "p.xml").documentElement
         self.assertEqual(root.tagName, "Tovenia")
         self.assertEqual(len(root.getElementsByTagName("run")), 2)
 
@@ -290,12 +290,12 @@ class AddedRuns(RunTestCase):
         self.start(1, 1)
         self.write("tov_run.txt", run_list("p.tvp", "1", "0", "p.tvp", "1", "0", "end"))
         self.tovcore("run_silent")
-        root = self.assert_well_formed("p.res", "p.xml").documentElement
+        root = self.parse_xml("p.res", "p.xml").documentElement
         self.assertEqual(len(root.getElementsByTagName("run")), 3)
 
     def test_results_that_are_not_kept_are_replaced(self):
         self.start(2, 0)
-        root = self.assert_well_formed("p.res", "p.xml").documentElement
+        root = self.parse_xml("p.res", "p.xml").documentElement
         self.assertEqual(len(root.getElementsByTagName("run")), 1)
         self.assertEqual(self.read("p.res", "p.js").count("foldersTree = gFld("), 1)
 
@@ -304,7 +304,7 @@ class AddedRuns(RunTestCase):
         text = self.document()
         self.write("p.res/p.xml", text[:len(text) // 2])
         self.tovcore("run_silent")
-        root = self.assert_well_formed("p.res", "p.xml").documentElement
+        root = self.parse_xml("p.res", "p.xml").documentElement
         self.assertEqual(len(root.getElementsByTagName("run")), 1)
         self.assertIn("Results file was incomplete and is replaced", self.log())
 
