@@ -77,6 +77,23 @@ AlleleCodes<Code> allele_codes(PopGenetics const& sample, std::vector<int> const
     return codes;
 }
 
+/// Codes of allele sizes: their rank among the distinct ones + 1, 0 for missing data.
+template <class Code>
+AlleleCodes<Code> size_codes(std::vector<double> const& sizes, std::size_t loci, std::vector<double> const& distinct) {
+    std::size_t const n = loci > 0 ? sizes.size() / loci : 0;
+    AlleleCodes<Code> codes(n, loci);
+    for (std::size_t i = 0; i < n; ++i) {
+        for (std::size_t k = 0; k < loci; ++k) {
+            double const x = sizes[i * loci + k];
+            if (!std::isnan(x)) {
+                codes.row(i)[k] =
+                    static_cast<Code>(std::lower_bound(distinct.begin(), distinct.end(), x) - distinct.begin() + 1);
+            }
+        }
+    }
+    return codes;
+}
+
 int largest_rank(PopGenetics const& sample, std::vector<int> const& loci) {
     int largest = 0;
     for (int i = 0; i < sample.nb_haplotypes(); ++i) {
@@ -88,10 +105,14 @@ int largest_rank(PopGenetics const& sample, std::vector<int> const& loci) {
     return largest;
 }
 
-/// Fills row i of the lower triangle with the number of usable loci that differ; rows are ready at construction.
+/// Fills row i of the lower triangle with the number of loci that differ.
 class DifferentLoci {
 public:
-    explicit DifferentLoci(PopGenetics const& sample) : codes_(make(sample)) {}
+    /// By alleles, over the usable loci.
+    explicit DifferentLoci(PopGenetics const& sample) : codes_(of_alleles(sample)) {}
+    /// By allele sizes, `loci` of them a row; a size that is not a number is missing.
+    DifferentLoci(std::vector<double> const& sizes, std::size_t loci) : codes_(of_sizes(sizes, loci)) {}
+
     void fill_row(std::size_t i, std::span<double> row) const {
         std::visit(
             [&](auto const& codes) {
@@ -104,12 +125,27 @@ public:
 
 private:
     using Codes = std::variant<AlleleCodes<std::uint8_t>, AlleleCodes<std::uint32_t>>;
-    static Codes make(PopGenetics const& sample) {
+
+    static Codes of_alleles(PopGenetics const& sample) {
         std::vector<int> const loci = usable_loci(sample);
         if (largest_rank(sample, loci) < 255) {
             return allele_codes<std::uint8_t>(sample, loci);
         }
         return allele_codes<std::uint32_t>(sample, loci);
+    }
+    static Codes of_sizes(std::vector<double> const& sizes, std::size_t loci) {
+        std::vector<double> distinct;
+        for (double const x : sizes) {
+            if (!std::isnan(x)) {
+                distinct.push_back(x);
+            }
+        }
+        std::sort(distinct.begin(), distinct.end());
+        distinct.erase(std::unique(distinct.begin(), distinct.end()), distinct.end());
+        if (distinct.size() < 255) {
+            return size_codes<std::uint8_t>(sizes, loci, distinct);
+        }
+        return size_codes<std::uint32_t>(sizes, loci, distinct);
     }
 
     Codes codes_;
@@ -224,12 +260,17 @@ int PopulMicrosat::compute_distance_matrix(std::ostream* out, settings* s, int) 
     if (parse_sizes(sizes, loci) == 0) {
         return 0;
     }
+    DifferentLoci const differences(sizes, distance_method_ == 0 ? loci.size() : 0);
     auto sizes_of = [&](std::size_t i) { return std::span<double const>(sizes).subspan(i * loci.size(), loci.size()); };
     for (std::size_t i = 0; i < static_cast<std::size_t>(nb_haplotypes()); ++i) {
         std::span<double> const row = dist_mat_->row(static_cast<int>(i));
+        if (distance_method_ == 0 && !loci.empty()) {
+            differences.fill_row(i, row);
+        }
         for (std::size_t j = 0; j < i; ++j) {
-            row[j] = distance_method_ == 0 ? count_different_sizes(sizes_of(i), sizes_of(j))
-                                           : sum_of_squared_differences(sizes_of(i), sizes_of(j));
+            if (distance_method_ != 0) {
+                row[j] = sum_of_squared_differences(sizes_of(i), sizes_of(j));
+            }
             raise_largest_distance(row[j]);
         }
         if (!go_on(*s)) {

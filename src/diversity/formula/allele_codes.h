@@ -8,31 +8,39 @@
 
 namespace tov {
 
+/// Loci that are compared together; rows are filled up to a multiple of it, so that the loop over a block has a fixed
+/// length and becomes one of vector instructions.
+inline constexpr std::size_t code_block = 64;
+
 /// Rows of allele codes of one length, row-major; 0 stands for missing data, alleles of a locus have distinct codes.
 template <class Code>
 class AlleleCodes {
 public:
-    AlleleCodes(std::size_t rows, std::size_t loci) : loci_(loci), codes_(rows * loci, 0) {}
-    [[nodiscard]] std::span<Code> row(std::size_t i) noexcept { return {codes_.data() + i * loci_, loci_}; }
-    [[nodiscard]] std::span<Code const> row(std::size_t i) const noexcept { return {codes_.data() + i * loci_, loci_}; }
+    AlleleCodes(std::size_t rows, std::size_t loci)
+        : stride_((loci + code_block - 1) / code_block * code_block), codes_(rows * stride_, 0) {}
+    /// Row i with the missing data that fill it up.
+    [[nodiscard]] std::span<Code> row(std::size_t i) noexcept { return {codes_.data() + i * stride_, stride_}; }
+    [[nodiscard]] std::span<Code const> row(std::size_t i) const noexcept {
+        return {codes_.data() + i * stride_, stride_};
+    }
 
 private:
-    std::size_t loci_;
+    std::size_t stride_;
     std::vector<Code> codes_;
 };
 
 /// Number of loci at which both rows hold alleles, and different ones.
 ///
-/// @param a, b  n codes each. Blocks of 255 loci are counted in bytes, so that the loop is one of vector instructions.
+/// @param a, b  rows of AlleleCodes, of one length.
 template <class Code>
 [[nodiscard]] int count_different_loci(std::span<Code const> a, std::span<Code const> b) noexcept {
     int total = 0;
-    std::size_t const n = a.size() < b.size() ? a.size() : b.size();
-    for (std::size_t start = 0; start < n; start += 255) {
-        std::size_t const end = n - start < 255 ? n : start + 255;
+    for (std::size_t start = 0; start < a.size(); start += code_block) {
+        Code const* const x = a.data() + start;
+        Code const* const y = b.data() + start;
         Code sum = 0;
-        for (std::size_t k = start; k < end; ++k) {
-            sum = static_cast<Code>(sum + (int{a[k] != b[k]} & int{a[k] != 0} & int{b[k] != 0}));
+        for (std::size_t k = 0; k < code_block; ++k) {
+            sum = static_cast<Code>(sum + (int{x[k] != y[k]} & int{x[k] != 0} & int{y[k] != 0}));
         }
         total += static_cast<int>(sum);
     }
@@ -48,16 +56,6 @@ template <class Code>
         sum += x == x ? x * x : 0.0;
     }
     return sum;
-}
-
-/// Number of loci at which two rows of allele sizes differ; a size that is not a number is missing.
-[[nodiscard]] inline int count_different_sizes(std::span<double const> a, std::span<double const> b) noexcept {
-    int count = 0;
-    std::size_t const n = a.size() < b.size() ? a.size() : b.size();
-    for (std::size_t k = 0; k < n; ++k) {
-        count += int{a[k] < b[k]} + int{a[k] > b[k]};
-    }
-    return count;
 }
 
 }  // namespace tov

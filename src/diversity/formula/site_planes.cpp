@@ -51,6 +51,9 @@ private:
 
 constexpr std::size_t fold_every = 31;
 
+/// Sites of restriction haplotypes that are compared together; rows are filled up with missing data.
+constexpr std::size_t rflp_block = 64;
+
 int base_code(char c) noexcept {
     switch (c) {
         case 'A':
@@ -408,7 +411,7 @@ RowResult nucleotide_distance_row(NucleotidePlanes const& planes, std::size_t i,
 RflpRows::RflpRows(std::span<std::string_view const> sequences, std::span<int const> usable, char missing)
     : missing_(missing), lengths_(sequences.size(), 0) {
     std::vector<std::size_t> const sites = usable_sites(sequences, usable);
-    width_ = sites.size();
+    width_ = (sites.size() + rflp_block - 1) / rflp_block * rflp_block;
     chars_.assign(width_ * sequences.size(), missing);
     for (std::size_t i = 0; i < sequences.size(); ++i) {
         std::size_t& n = lengths_[i];
@@ -420,19 +423,17 @@ RflpRows::RflpRows(std::span<std::string_view const> sequences, std::span<int co
 }
 
 RflpCounts RflpRows::compare(std::size_t i, std::size_t j) const noexcept {
-    char const* const a = chars_.data() + i * width_;
-    char const* const b = chars_.data() + j * width_;
-    std::size_t const n = std::min(lengths_[i], lengths_[j]);
     RflpCounts c;
-    c.sites = static_cast<int>(n);
-    for (std::size_t start = 0; start < n; start += 255) {
-        std::size_t const end = std::min(n, start + 255);
+    c.sites = static_cast<int>(std::min(lengths_[i], lengths_[j]));
+    char const missing = missing_;
+    for (std::size_t start = 0; start < width_; start += rflp_block) {
+        char const* const a = chars_.data() + i * width_ + start;
+        char const* const b = chars_.data() + j * width_ + start;
         unsigned char changes = 0;
         unsigned char deletions = 0;
-        for (std::size_t k = start; k < end; ++k) {
-            unsigned char const differ =
-                static_cast<unsigned char>((a[k] != b[k]) & (a[k] != missing_) & (b[k] != missing_));
-            unsigned char const gap = static_cast<unsigned char>((a[k] == '-') | (b[k] == '-'));
+        for (std::size_t k = 0; k < rflp_block; ++k) {
+            int const differ = int{a[k] != b[k]} & int{a[k] != missing} & int{b[k] != missing};
+            int const gap = int{a[k] == '-'} | int{b[k] == '-'};
             changes = static_cast<unsigned char>(changes + (differ & (gap ^ 1)));
             deletions = static_cast<unsigned char>(deletions + (differ & gap));
         }
