@@ -49,14 +49,17 @@ def genotypes_project():
     return "\n".join(lines + structure_lines("DEF")) + "\n"
 
 
-class TablesOfARunList(RunTestCase):
+class ThreeProjects(RunTestCase):
+    """A run list of sequences, microsatellites and genotypes of unknown phase, with nearly all analyses."""
+
     def run_three(self, **keys):
         self.write("tov_run.tvs", settings_text(
             TaskNumber=TASKS, MakeHWExactTest=1, MakeExactTestLD=1, ComputeDvalues=1, MarkovChainStepsHW=2000,
             MarkovChainDememorisationStepsHW=100, MarkovChainStepsLD=200, MarkovChainDememorisationStepsLD=100,
             ComputeTheta=15, HaplAMOVA=1, NumPermutationsAMOVA=10, NumPermutationsFST=10, ComputePairwiseFST=1,
             PrintFstVals=1, PrintMissIntermatchs=1, ComputeDeltaMuSqr=1, UnequalPopSizeDiv=1, PrintSlatkinsDist=1,
-            AllowedLevelOfMissingData=1, **keys))
+            AllowedLevelOfMissingData=1, NumSimulFuTest=20,
+            NumIterationsNeutralityTests=50, **keys))
         projects = {"dna": dna_project(SAMPLES, STRUCTURE), "mic": microsat_project(), "gen": genotypes_project()}
         lines = ["", "use_interf_settings"]
         for name, text in projects.items():
@@ -65,6 +68,8 @@ class TablesOfARunList(RunTestCase):
         self.write("tov_run.txt", "\n".join(lines + ["end"]) + "\n")
         self.tovcore()
 
+
+class TablesOfARunList(ThreeProjects):
     def rows(self, table):
         """Data rows behind the last banner and the head, split at tabs."""
         text = self.read(table + ".sum").rsplit(BANNER + "\n", 1)[1].splitlines()
@@ -121,7 +126,31 @@ class TablesOfARunList(RunTestCase):
             self.assertEqual([line for line in lines if not re.match(r"[-\d]", line)], list(samples), name)
 
 
-class ChosenStatistics(TablesOfARunList):
+class ChosenStatistics(ThreeProjects):
+    def table(self, definition):
+        """Titles, and the values of each project, of a run with this definition."""
+        self.write("sumstat_def.txt", definition)
+        self.run_three()
+        head, *lines = [line.split("\t") for line in self.read("sumstat_out.txt").splitlines()]
+        self.assertEqual(head.pop(), "")
+        for line in lines:
+            self.assertEqual(line.pop(), "")
+        return head, lines
+
+    def test_each_keyword_alone_gives_what_all_together_give(self):
+        head, lines = self.table("\n".join(WORDS))
+        together = dict(zip(head, lines[0]))
+        self.assertEqual(len(together), len(head), "titles differ")
+        seen = set()
+        for word in WORDS:
+            head, lines = self.table(word)
+            self.assertTrue(head, word)
+            self.assertEqual(len(head), len(lines[0]), word)
+            for title, value in zip(head, lines[0]):
+                self.assertEqual(value, together[title], (word, title))
+            seen |= set(head)
+        self.assertEqual(seen, set(together))
+
     def test_titles_and_values_agree_for_all_keywords_together(self):
         self.write("sumstat_def.txt", "\n".join(WORDS) + "\n")
         self.run_three()
