@@ -1,19 +1,17 @@
 // The phenotypes of a sample: likelihoods, merging, expansion, permutation and resampling.
 #include <algorithm>
 #include <cmath>
-#include <limits>
 #include <unordered_map>
 
 #include "base/random.h"
 #include "base/special.h"
+#include "inference/formula/em_terms.h"
 #include "model/pheno.h"
 #include "run/errors.h"
 
 namespace tov {
 
 namespace {
-
-constexpr double impossible = -static_cast<double>(std::numeric_limits<float>::max());
 
 double n_ln_n(double n) noexcept { return n > 0.0 ? n * std::log(n) : 0.0; }
 
@@ -71,7 +69,7 @@ void TPhenDB::update_hapl_freq(TPopHaploDB& pool) {
 double TPhenDB::calc_ln_likelihood() {
     ln_likelihood = 0.0;
     for (TPhenotype const* const p : view()) {
-        if (!(p->phen_proba() > 0.0)) return ln_likelihood = impossible;
+        if (!(p->phen_proba() > 0.0)) return ln_likelihood = impossible_ln_likelihood;
         ln_likelihood += p->obs_count() * std::log(p->phen_proba());
     }
     return ln_likelihood;
@@ -81,7 +79,7 @@ double TPhenDB::link_equil_ln_likelihood() const {
     double sum = 0.0;
     for (TPhenotype const* const p : view()) {
         double const probability = p->link_equil_pheno_prob();
-        if (!(probability > 0.0)) return impossible;
+        if (!(probability > 0.0)) return impossible_ln_likelihood;
         sum += std::log(probability) * p->obs_count();
     }
     return sum;
