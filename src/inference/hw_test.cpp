@@ -96,7 +96,8 @@ double Population::swap_in_table2(int* k, long& seed) {
         return 1.0;
     }
     if (seed < 0) ran3(&seed);
-    return hardy_weinberg_step(table, ln_table(table.total() + 2), chain_generator()).ratio;
+    DrawBlock draws(chain_generator());
+    return hardy_weinberg_step(TableWalk(table), draws).ratio;
 }
 
 double Population::make_hw_test1(TPhenDB const& ph, double& stat, settings& s, int* loci) {
@@ -119,12 +120,9 @@ double Population::make_hw_test2(long const& steps, double& stat, settings& s, l
         return 1.0;
     }
     ChainPlan const plan = ChainPlan::square(steps, s.MarkovChainDememorisationStepsHW);
-    LnTable const& ln = ln_table(table.total() + 2);
-    Ran3State& generator = chain_generator();
     double const work = 0.001 * static_cast<double>(plan.batches);
-    ChainOutcome const outcome = interleaved_chain(
-        plan, [&] { return hardy_weinberg_step(table, ln, generator).ln_ratio; }, [] { return true; },
-        [&] { return chain_goes_on(s, work); });
+    ChainOutcome const outcome =
+        walk_table(table, TableKind::genotypes, plan, nullptr, [&] { return chain_goes_on(s, work); });
     stat = 0.0;
     clear_table(loci);
     return keep_chain_outcome(outcome, s, stepsDone);
@@ -139,17 +137,9 @@ double Population::make_hw_test3(long const& steps, double& stat, settings& s, l
         return 1.0;
     }
     ChainPlan const plan = ChainPlan::square(steps, s.MarkovChainDememorisationStepsHW);
-    ContingencyTable const observed = table;
-    LnTable const& ln = ln_table(table.total() + 2);
-    Ran3State& generator = chain_generator();
     double const work = 0.001 * static_cast<double>(plan.per_batch);
-    ChainOutcome const outcome = restarted_chain(
-        plan, {precision, false},
-        [&] {
-            table = observed;
-            return BatchStart::ready;
-        },
-        [&] { return hardy_weinberg_step(table, ln, generator).ln_ratio; }, [&] { return chain_goes_on(s, work); });
+    ChainOutcome const outcome = walk_table_in_batches(table, TableKind::genotypes, plan, {precision, false},
+                                                       [&] { return chain_goes_on(s, work); });
     stat = 0.0;
     clear_table(loci);
     return keep_chain_outcome(outcome, s, stepsDone);

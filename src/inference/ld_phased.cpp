@@ -98,7 +98,8 @@ double PopGenetics::swap_in_table(int* k, long& seed) {
         return 0.0;
     }
     if (seed < 0) ran3(&seed);
-    return two_way_step(table, ln_table(table.total() + 2), chain_generator()).ratio;
+    DrawBlock draws(chain_generator());
+    return two_way_step(TableWalk(table), draws).ratio;
 }
 
 double PopGenetics::calc_gam_des_prob2(int* loci, long& seed, settings& s, long& stepsDone) {
@@ -109,16 +110,11 @@ double PopGenetics::calc_gam_des_prob2(int* loci, long& seed, settings& s, long&
     if (seed < 0) ran3(&seed);
     // kept on purpose: 0 and not 1e-06, which the other chains allow; sums are exact, so that ties are ties.
     ChainPlan const plan = ChainPlan::square(steps, s.MarkovChainDememorisationStepsLD, 0);
-    LnTable const& ln = ln_table(table.total() + 2);
-    Ran3State& generator = chain_generator();
     double const work = 0.001 * static_cast<double>(plan.batches);
-    int const* const stop = s.is_stop();
-    ChainOutcome const outcome = interleaved_chain(
-        plan, [&] { return two_way_step(table, ln, generator).ln_ratio; }, [stop] { return *stop == 0; },
-        [&] {
-            chain_goes_on(s, work);
-            return true;
-        });
+    ChainOutcome const outcome = walk_table(table, TableKind::two_way, plan, s.is_stop(), [&] {
+        chain_goes_on(s, work);
+        return true;
+    });
     clear_table(k);
     return keep_chain_outcome(outcome, s, stepsDone);
 }
@@ -135,17 +131,9 @@ double PopGenetics::calc_gam_des_prob3(int* loci, long& seed, settings& s, long&
     plan.burn_in = s.MarkovChainDememorisationStepsLD;
     plan.batches = steps / block + 1;
     plan.per_batch = block;
-    ContingencyTable const observed = table;
-    LnTable const& ln = ln_table(table.total() + 2);
-    Ran3State& generator = chain_generator();
-    ChainOutcome const outcome = restarted_chain(
-        plan, {precision, false},
-        [&] {
-            table = observed;
-            return BatchStart::ready;
-        },
-        [&] { return two_way_step(table, ln, generator).ln_ratio; },
-        [&] { return chain_goes_on(s, 0.001 * static_cast<double>(block)); });
+    double const work = 0.001 * static_cast<double>(block);
+    ChainOutcome const outcome = walk_table_in_batches(table, TableKind::two_way, plan, {precision, false},
+                                                       [&] { return chain_goes_on(s, work); });
     clear_table(k);
     return keep_chain_outcome(outcome, s, stepsDone);
 }

@@ -2,6 +2,7 @@
 #include "inference/formula/contingency_chain.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace tov {
 
@@ -28,6 +29,62 @@ double batch_deviation(std::span<double const> shares, std::size_t n, double p) 
     for (std::size_t b = 0; b < n; ++b) sum += (shares[b] - p) * (shares[b] - p);
     auto const size = static_cast<double>(n);
     return std::sqrt(sum / ((size - 1.0) * size));
+}
+
+// --- Chains on the two kinds of tables ---
+
+namespace {
+
+struct GenotypeStep {
+    [[gnu::always_inline]] FixedLn operator()(TableWalk const& t, DrawBlock& draws) const noexcept {
+        return hardy_weinberg_step(t, draws).ln_ratio;
+    }
+};
+
+struct TwoWayStep {
+    [[gnu::always_inline]] FixedLn operator()(TableWalk const& t, DrawBlock& draws) const noexcept {
+        return two_way_step(t, draws).ln_ratio;
+    }
+};
+
+template <class Step>
+ChainOutcome walk(ContingencyTable& table, ChainPlan const& plan, int const* stop,
+                  std::function<bool()> const& round) {
+    TableWalk const t(table);
+    DrawBlock draws(chain_generator());
+    auto const step = [&] { return Step{}(t, draws); };
+    auto const round_ended = [&round] { return !round || round(); };
+    if (!stop) return interleaved_chain(plan, step, [] { return true; }, round_ended);
+    return interleaved_chain(plan, step, [stop] { return *stop == 0; }, round_ended);
+}
+
+template <class Step>
+ChainOutcome walk_batches(ContingencyTable& table, ChainPlan const& plan, EarlyEnd const& early,
+                          std::function<bool()> const& ended) {
+    std::vector<int> const observed = table.cells;
+    TableWalk const t(table);
+    DrawBlock draws(chain_generator());
+    return restarted_chain(
+        plan, early,
+        [&] {
+            std::copy(observed.begin(), observed.end(), table.cells.begin());
+            return BatchStart::ready;
+        },
+        [&] { return Step{}(t, draws); }, [&ended] { return !ended || ended(); });
+}
+
+}  // namespace
+
+ChainOutcome walk_table(ContingencyTable& table, TableKind kind, ChainPlan const& plan, int const* stop,
+                        std::function<bool()> const& round) {
+    if (kind == TableKind::genotypes) return walk<GenotypeStep>(table, plan, stop, round);
+    return walk<TwoWayStep>(table, plan, stop, round);
+}
+
+ChainOutcome walk_table_in_batches(ContingencyTable& table, TableKind kind, ChainPlan const& plan,
+                                   EarlyEnd const& early, std::function<bool()> const& ended) {
+    if (kind == TableKind::genotypes) return walk_batches<GenotypeStep>(table, plan, early, ended);
+    return walk_batches<TwoWayStep>(table, plan, early, ended);
 }
 
 }  // namespace tov

@@ -1,11 +1,14 @@
 // Markov chains on contingency tables: the steps, and the one scaffold of all tests that walk tables.
 #pragma once
 
-#include <cmath>
+#include <algorithm>
+#include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <span>
 #include <vector>
 
+#include "base/draw_block.h"
 #include "base/random.h"
 #include "inference/formula/contingency_table.h"
 
@@ -22,21 +25,54 @@ struct ChainStep {
 /// The process-wide generator, seeded if nothing has seeded it.
 [[nodiscard]] Ran3State& chain_generator() noexcept;
 
-/// Whole number 0 .. n - 1. Draws: 1, and another for each that rounds up to n.
-inline int draw_index(Ran3State& generator, int n) noexcept {
-    int x = n;
-    do {
-        x = static_cast<int>(n * generator.draw());
-    } while (x == n);
-    return x;
-}
+/// A table on its walk: where its cells are, and the logarithms of the process up to its sum + 2.
+class TableWalk {
+public:
+    /// @param table  borrowed; its shape must not change meanwhile.
+    explicit TableWalk(ContingencyTable& table)
+        : cells_(table.cells.data()), rows_(table.rows), columns_(table.columns), ln_(ln_table(table.total() + 2)) {}
+
+    [[nodiscard]] int rows() const noexcept { return rows_; }
+    [[nodiscard]] int columns() const noexcept { return columns_; }
+    [[nodiscard]] int& at(int row, int column) const noexcept {
+        return cells_[static_cast<std::ptrdiff_t>(row) * columns_ + column];
+    }
+    [[nodiscard]] int& genotype(int a, int b) const noexcept { return at(std::min(a, b), std::max(a, b)); }
+    [[nodiscard]] FixedLn ln(std::int64_t n) const noexcept { return ln_(n); }
+
+private:
+    int* cells_;  // borrowed
+    int rows_;
+    int columns_;
+    LnTable::View ln_;
+};
+
+/// Numbers that a step may read ahead.
+inline constexpr std::ptrdiff_t step_look_ahead = 16;
+
+/// Whole number 0 .. n - 1 from the next number. (u <= 1 - 1e-9, so that n u never rounds up to n.)
+inline int take_index(double const*& next, int n) noexcept { return static_cast<int>(n * *next++); }
 
 /// Whole number 0 .. n - 1 other than `taken`, n >= 2. Draws: one a try; a refused number is drawn again.
-inline int draw_other_index(Ran3State& generator, int n, int taken) noexcept {
-    int x = taken;
-    do {
-        x = static_cast<int>(n * generator.draw());
-    } while (x == taken || x == n);
+///
+/// Three tries are made without a branch.
+[[gnu::always_inline]] inline int take_other_index(DrawBlock& draws, double const*& next, int n, int taken) noexcept {
+    int x = static_cast<int>(n * next[0]);
+    int const y = static_cast<int>(n * next[1]);
+    int const z = static_cast<int>(n * next[2]);
+    bool const second = x == taken;
+    x = second ? y : x;
+    bool const third = x == taken;
+    x = third ? z : x;
+    next += 1 + second + third;
+    if (x == taken) [[unlikely]] {
+        draws.use_until(next);
+        do {
+            x = static_cast<int>(n * draws.draw());
+        } while (x == taken);
+        draws.require(step_look_ahead);
+        next = draws.ahead();
+    }
     return x;
 }
 
@@ -47,16 +83,19 @@ inline int draw_other_index(Ran3State& generator, int n, int taken) noexcept {
 /// A D / ((C + 1) (B + 1)), where counts of a cell that is met twice follow each other, times 2 for each heterozygote
 /// made of a homozygote and 1/2 the other way. The step is taken when the ratio is above u.
 ///
-/// @param t   square, rows >= 2, upper triangle.
-/// @param ln  reaches the sum of all cells + 2.
+/// @param t  square, rows >= 2, upper triangle.
 /// Draws: i, j, m, l (m again while m = i, l again while l = j), then u, always.
 /// Source: Guo and Thompson 1992.
-inline ChainStep hardy_weinberg_step(ContingencyTable& t, LnTable const& ln, Ran3State& generator) noexcept {
-    int const k = t.rows;
-    int const i = draw_index(generator, k);
-    int const j = draw_index(generator, k);
-    int const m = draw_other_index(generator, k, i);
-    int const l = draw_other_index(generator, k, j);
+[[gnu::always_inline]] inline ChainStep hardy_weinberg_step(TableWalk const& t, DrawBlock& draws) noexcept {
+    draws.require(step_look_ahead);
+    double const* next = draws.ahead();
+    int const k = t.rows();
+    int const i = take_index(next, k);
+    int const j = take_index(next, k);
+    int const m = take_other_index(draws, next, k, i);
+    int const l = take_other_index(draws, next, k, j);
+    double const u = *next++;
+    draws.use_until(next);
     int& a = t.genotype(i, j);
     int& d = t.genotype(m, l);
     int& b = t.genotype(i, l);
@@ -67,25 +106,24 @@ inline ChainStep hardy_weinberg_step(ContingencyTable& t, LnTable const& ln, Ran
     constexpr double factor[] = {0.25, 0.5, 1.0, 2.0, 4.0};
 
     std::int64_t const out1 = a;
-    std::int64_t const out2 = std::int64_t{d} - lost_twice;
+    std::int64_t const out2 = std::max(std::int64_t{d} - lost_twice, std::int64_t{0});
     std::int64_t const in1 = std::int64_t{c} + 1 + gained_twice;
     std::int64_t const in2 = std::int64_t{b} + 1;
-    double const ratio =
-        static_cast<double>(out1 * out2) / static_cast<double>(in1 * in2) * factor[doublings + 2];
-    double const u = generator.draw();
-    if (ratio <= u) return {};
-    --a;
-    --d;
-    ++b;
-    ++c;
-    return {ratio, ln(out1) + ln(out2) - ln(in1) - ln(in2) + doublings * ln(2)};
+    double const ratio = static_cast<double>(out1 * out2) / static_cast<double>(in1 * in2) * factor[doublings + 2];
+    int const taken = ratio > u;
+    a -= taken;
+    d -= taken;
+    b += taken;
+    c += taken;
+    FixedLn const change = t.ln(out1) + t.ln(out2) - t.ln(in1) - t.ln(in2) + doublings * t.ln(2);
+    return {taken ? ratio : 1.0, change & -FixedLn{taken}};
 }
 
 /// Metropolis step between cells (i, j), (m, l) and (i, l), (m, j) of a two-way table: one copy leaves each of the
 /// first two and goes to the others; the ratio is A D / ((C + 1) (B + 1)). A ratio of 1 or more is accepted without a
-/// draw, one of 0 spends it. Draws: none or one.
-inline ChainStep margin_step(ContingencyTable& t, int i, int j, int m, int l, LnTable const& ln,
-                             Ran3State& generator) noexcept {
+/// draw, one of 0 spends it. Draws: none or one, from `next` on.
+[[gnu::always_inline]] inline ChainStep margin_step(TableWalk const& t, int i, int j, int m, int l, DrawBlock& draws,
+                                                    double const* next) noexcept {
     int& a = t.at(i, j);
     int& d = t.at(m, l);
     int& b = t.at(i, l);
@@ -94,28 +132,33 @@ inline ChainStep margin_step(ContingencyTable& t, int i, int j, int m, int l, Ln
     std::int64_t const out2 = d;
     std::int64_t const in1 = std::int64_t{c} + 1;
     std::int64_t const in2 = std::int64_t{b} + 1;
-    double const ratio = static_cast<double>(out1 * out2) / static_cast<double>(in1 * in2);
-    if (ratio < 1.0 && ratio < generator.draw()) return {};
-    if (!(ratio > 0.0)) return {};
-    --a;
-    --d;
-    ++b;
-    ++c;
-    return {ratio, ln(out1) + ln(out2) - ln(in1) - ln(in2)};
+    auto const above = static_cast<double>(out1 * out2);
+    auto const below = static_cast<double>(in1 * in2);
+    double const ratio = above / below;
+    double const u = *next;  // used for a ratio below 1 only; for others the test is idle, as u < 1
+    draws.use_until(next + (above < below));
+    int const taken = (ratio > 0.0) & !(ratio < u);
+    a -= taken;
+    d -= taken;
+    b += taken;
+    c += taken;
+    FixedLn const change = t.ln(out1) + t.ln(out2) - t.ln(in1) - t.ln(in2);
+    return {taken ? ratio : 1.0, change & -FixedLn{taken}};
 }
 
 /// One Metropolis step on a two-way table, which keeps the sums of its rows and columns.
 ///
-/// @param t   rows and columns >= 2.
-/// @param ln  reaches the sum of all cells + 2.
+/// @param t  rows and columns >= 2.
 /// Draws: row i, column j, row m (again while m = i), column l (again while l = j), then those of margin_step.
 /// Source: Raymond and Rousset 1995; Guo and Thompson 1992.
-inline ChainStep two_way_step(ContingencyTable& t, LnTable const& ln, Ran3State& generator) noexcept {
-    int const i = draw_index(generator, t.rows);
-    int const j = draw_index(generator, t.columns);
-    int const m = draw_other_index(generator, t.rows, i);
-    int const l = draw_other_index(generator, t.columns, j);
-    return margin_step(t, i, j, m, l, ln, generator);
+[[gnu::always_inline]] inline ChainStep two_way_step(TableWalk const& t, DrawBlock& draws) noexcept {
+    draws.require(step_look_ahead);
+    double const* next = draws.ahead();
+    int const i = take_index(next, t.rows());
+    int const j = take_index(next, t.columns());
+    int const m = take_other_index(draws, next, t.rows(), i);
+    int const l = take_other_index(draws, next, t.columns(), j);
+    return margin_step(t, i, j, m, l, draws, next);
 }
 
 // --- Scaffold ---
@@ -238,5 +281,27 @@ ChainOutcome restarted_chain(ChainPlan const& plan, EarlyEnd const& early, Start
     }
     return outcome;
 }
+
+// --- Chains on the two kinds of tables ---
+
+/// What a table counts, and so which step walks it.
+enum class TableKind {
+    genotypes,  ///< hardy_weinberg_step
+    two_way     ///< two_way_step
+};
+
+/// An interleaved chain from `table` on, which is left where the chain ends.
+///
+/// @param stop   flag that ends the chain once it is not 0, read before each counted step; null for none.
+/// @param round  asked whenever every batch has got one more step; false ends the chain. Empty counts as true.
+/// Draws: those of the steps, burn-in included.
+ChainOutcome walk_table(ContingencyTable& table, TableKind kind, ChainPlan const& plan, int const* stop = nullptr,
+                        std::function<bool()> const& round = {});
+
+/// A restarted chain, each batch from `table`, which is left where the last batch ends.
+///
+/// @param ended  asked after each batch; false ends the chain. Empty counts as true.
+ChainOutcome walk_table_in_batches(ContingencyTable& table, TableKind kind, ChainPlan const& plan,
+                                   EarlyEnd const& early, std::function<bool()> const& ended = {});
 
 }  // namespace tov

@@ -61,10 +61,21 @@ public:
     /// Makes sure that the logarithms up to n (at most 2^20) are tabulated.
     void reach(std::int64_t n);
     /// ln(n), n >= 1; ln(0), which has no value, is given as 0.
-    [[nodiscard]] FixedLn operator()(std::int64_t n) const noexcept {
-        if (static_cast<std::uint64_t>(n) < values_.size()) [[likely]] return values_[static_cast<std::size_t>(n)];
-        return rounded(n);
-    }
+    [[nodiscard]] FixedLn operator()(std::int64_t n) const noexcept { return View(*this)(n); }
+
+    /// The logarithms for inner loops; borrowed, valid until the table grows.
+    class View {
+    public:
+        View(LnTable const& table) noexcept : values_(table.values_.data()), size_(table.values_.size()) {}
+        [[nodiscard]] FixedLn operator()(std::int64_t n) const noexcept {
+            if (static_cast<std::uint64_t>(n) < size_) [[likely]] return values_[n];
+            return rounded(n);
+        }
+
+    private:
+        FixedLn const* values_;
+        std::size_t size_;
+    };
 
 private:
     static FixedLn rounded(std::int64_t n) noexcept;

@@ -1,6 +1,8 @@
 // Exact test of population differentiation: Markov chains on tables of haplotypes by samples.
 #include "structure/formula/differentiation.h"
 
+#include <algorithm>
+
 namespace tov {
 
 DifferentiationPlan::DifferentiationPlan(long steps) noexcept {
@@ -13,20 +15,31 @@ DifferentiationPlan::DifferentiationPlan(long steps) noexcept {
 
 namespace {
 
+struct PairStep {
+    [[gnu::always_inline]] FixedLn operator()(TableWalk const& t, DrawBlock& draws) const noexcept {
+        return two_row_step(t, draws).ln_ratio;
+    }
+};
+
+struct SamplesStep {
+    [[gnu::always_inline]] FixedLn operator()(TableWalk const& t, DrawBlock& draws) const noexcept {
+        return two_way_step(t, draws).ln_ratio;
+    }
+};
+
 template <class Step>
 ChainOutcome walk(ContingencyTable const& observed, ChainPlan const& plan, EarlyEnd const& early,
-                  std::function<bool()> const& is_stopped, std::function<void(long)> const& batch_ended,
-                  Step&& step) {
-    ContingencyTable table;
-    LnTable const& ln = ln_table(observed.total() + 2);
-    Ran3State& generator = chain_generator();
+                  std::function<bool()> const& is_stopped, std::function<void(long)> const& batch_ended) {
+    ContingencyTable table = observed;
+    TableWalk const t(table);
+    DrawBlock draws(chain_generator());
     return restarted_chain(
         plan, early,
         [&] {
-            table = observed;
+            std::copy(observed.cells.begin(), observed.cells.end(), table.cells.begin());
             return is_stopped && is_stopped() ? BatchStart::stopped : BatchStart::ready;
         },
-        [&] { return step(table, ln, generator).ln_ratio; },
+        [&] { return Step{}(t, draws); },
         [&] {
             if (batch_ended) batch_ended(plan.per_batch);
             return true;
@@ -51,11 +64,9 @@ ChainOutcome test_differentiation(ContingencyTable const& observed, Differentiat
     lengths.batches = plan.batches;
     lengths.per_batch = plan.batch_length;
     if (chain == DifferentiationChain::pair) {
-        return walk(observed, lengths, {precision, false}, is_stopped, batch_ended,
-                    [](ContingencyTable& t, LnTable const& ln, Ran3State& g) { return two_row_step(t, ln, g); });
+        return walk<PairStep>(observed, lengths, {precision, false}, is_stopped, batch_ended);
     }
-    return walk(observed, lengths, {precision, true}, is_stopped, batch_ended,
-                [](ContingencyTable& t, LnTable const& ln, Ran3State& g) { return two_way_step(t, ln, g); });
+    return walk<SamplesStep>(observed, lengths, {precision, true}, is_stopped, batch_ended);
 }
 
 }  // namespace tov

@@ -9,14 +9,15 @@ namespace tov {
 
 /// One Metropolis step on a table of two rows, which keeps the sums of its rows and columns.
 ///
-/// @param t   2 rows, columns >= 2.
-/// @param ln  reaches the sum of all cells + 2.
+/// @param t  2 rows, columns >= 2.
 /// Draws: column i, column j (again while j = i), then those of margin_step on (0, i), (1, j).
 /// Source: Raymond and Rousset 1995.
-inline ChainStep two_row_step(ContingencyTable& t, LnTable const& ln, Ran3State& generator) noexcept {
-    int const i = draw_index(generator, t.columns);
-    int const j = draw_other_index(generator, t.columns, i);
-    return margin_step(t, 0, i, 1, j, ln, generator);
+[[gnu::always_inline]] inline ChainStep two_row_step(TableWalk const& t, DrawBlock& draws) noexcept {
+    draws.require(step_look_ahead);
+    double const* next = draws.ahead();
+    int const i = take_index(next, t.columns());
+    int const j = take_other_index(draws, next, t.columns(), i);
+    return margin_step(t, 0, i, 1, j, draws, next);
 }
 
 /// Lengths of a test.

@@ -144,11 +144,12 @@ TEST(Differentiation, StepsKeepTheMarginsAndAreUndoneByTheirLogarithms) {
     test::FreshProcess fresh;
     ContingencyTable t = table_of({{5, 3, 1, 0}, {3, 2, 2, 4}});
     ContingencyTable const start = t;
-    LnTable const& ln = ln_table(t.total() + 2);
+    TableWalk const walk(t);
+    DrawBlock draws(chain_generator());
     ExactLnSum sum;
     int returns = 0;
     for (int s = 0; s < 20000; ++s) {
-        sum.add(two_row_step(t, ln, chain_generator()).ln_ratio);
+        sum.add(two_row_step(walk, draws).ln_ratio);
         for (int c = 0; c < 4; ++c) ASSERT_EQ(t.at(0, c) + t.at(1, c), start.at(0, c) + start.at(1, c));
         ASSERT_EQ(t.at(0, 0) + t.at(0, 1) + t.at(0, 2) + t.at(0, 3), 9);
         if (t.cells == start.cells) {

@@ -1,0 +1,13 @@
+// Exact probabilities of contingency tables by visiting every table with the same margins.
+#pragma once
+
+#include "inference/formula/contingency_table.h"
+
+namespace tov::oracle {
+
+/// Probability, given the allele counts, of a table of genotypes no more probable than the observed one.
+double exact_hardy_weinberg(ContingencyTable const& observed);
+/// Probability, given the margins, of a two-way table no more probable than the observed one.
+double exact_two_way(ContingencyTable const& observed);
+
+}  // namespace tov::oracle
