@@ -15,6 +15,11 @@ namespace {
 
 std::atomic<long> allocations{0};
 
+void* counted_or_null(std::size_t size) noexcept {
+    ++allocations;
+    return std::malloc(size > 0 ? size : 1);
+}
+
 void* counted(std::size_t size) {
     ++allocations;
     if (void* const memory = std::malloc(size > 0 ? size : 1)) return memory;
@@ -25,6 +30,8 @@ void* counted(std::size_t size) {
 
 void* operator new(std::size_t size) { return counted(size); }
 void* operator new[](std::size_t size) { return counted(size); }
+void* operator new(std::size_t size, std::nothrow_t const&) noexcept { return counted_or_null(size); }
+void* operator new[](std::size_t size, std::nothrow_t const&) noexcept { return counted_or_null(size); }
 void operator delete(void* memory) noexcept { std::free(memory); }
 void operator delete[](void* memory) noexcept { std::free(memory); }
 void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
