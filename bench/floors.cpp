@@ -74,7 +74,6 @@ double draws_and_scans(int const* steps, std::size_t draws, double const* table,
     return total;
 }
 
-<<<<<<< HEAD
 double share_pairs(std::int32_t const* pairs, std::size_t n, double const* freq, double* gain) noexcept {
     double sum = 0.0;
     for (std::size_t g = 0; g < n; ++g) {
@@ -86,7 +85,8 @@ double share_pairs(std::int32_t const* pairs, std::size_t n, double const* freq,
         gain[first] += x;
     }
     return sum;
-=======
+}
+
 double draws_and_look_ups(Ran3State& generator, int const* cells, int n, long steps, long draws,
                           int look_ups) noexcept {
     long sum = 0;
@@ -99,7 +99,6 @@ double draws_and_look_ups(Ran3State& generator, int const* cells, int n, long st
     }
     for (long k = each * steps; k < more; ++k) rest += generator.draw();
     return static_cast<double>(sum) + rest;
->>>>>>> f30ef00 (Walk tables on draws made in blocks, and hold the chains by enumeration)
 }
 
 }  // namespace tov::floors

@@ -32,14 +32,12 @@ double wander_draws_and_logarithms(long events, long draws) noexcept;
 /// @param table  `size` terms.
 double draws_and_scans(int const* steps, std::size_t draws, double const* table, std::size_t size) noexcept;
 
-<<<<<<< HEAD
 /// Products of n pairs of frequencies, each added to their sum and to the gains of both; a pair is two indices side by
 /// side. The genotypes of an EM iteration in their barest form.
 double share_pairs(std::int32_t const* pairs, std::size_t n, double const* freq, double* gain) noexcept;
-=======
+
 /// Sum over `steps` steps that together spend `draws` numbers of the generator, each with `look_ups` look-ups of a table
 /// of `n` cells at places that draws choose; draws beyond the look-ups are spent in equal parts, the rest at the end.
 double draws_and_look_ups(Ran3State& generator, int const* cells, int n, long steps, long draws, int look_ups) noexcept;
->>>>>>> f30ef00 (Walk tables on draws made in blocks, and hold the chains by enumeration)
 
 }  // namespace tov::floors
