@@ -3,6 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+
+#include "oracle/table_enumeration.h"
 #include "support/fresh_process.h"
 
 namespace tov {
@@ -56,6 +59,41 @@ TEST(Differentiation, PairTestsReproduceTheReferenceChains) {
         EXPECT_NEAR(outcome.sd, pair.sd, 1e-11);
     }
     EXPECT_NEAR(uniform(), 0.745048661, 1e-12);
+}
+
+// Samples in rows, haplotypes in columns.
+std::vector<Rows> const small_tables = {
+    {{9, 3}, {2, 8}},
+    {{5, 0}, {4, 6}},
+    {{7, 5}, {4, 6}},
+    {{12, 1}, {9, 3}},
+    {{7, 3, 4}, {2, 8, 4}},
+    {{10, 4, 1}, {3, 9, 0}},
+    {{6, 2, 2}, {3, 5, 4}},
+    {{4, 0, 3}, {1, 5, 2}},
+    {{5, 3, 1}, {3, 3, 1}, {3, 1, 3}},
+    {{6, 1, 0}, {2, 4, 1}, {1, 2, 4}},
+    {{4, 2, 2}, {2, 4, 2}, {2, 1, 5}},
+    {{8, 1, 1}, {7, 3, 0}, {5, 2, 2}}};
+
+TEST(Differentiation, ChainsLieWithinThreeDeviationsOfFullEnumeration) {
+    test::FreshProcess fresh;
+    auto const compare = [](ContingencyTable const& observed, DifferentiationChain chain, double exact) {
+        DifferentiationPlan const plan(1000000);
+        ASSERT_GE(plan.batches, 5);
+        ChainOutcome const outcome = test_differentiation(observed, chain, plan, 10000, 0.0);
+        ASSERT_GT(outcome.sd, 0.0);
+        EXPECT_LE(std::abs(outcome.p - exact), 3.0 * outcome.sd) << "exact " << exact << ", chain " << outcome.p;
+    };
+    for (std::size_t i = 0; i < small_tables.size(); ++i) {
+        SCOPED_TRACE("table " + std::to_string(i));
+        ContingencyTable const observed = table_of(small_tables[i]);
+        double const exact = oracle::exact_two_way(observed);
+        ASSERT_GT(exact, 0.0);
+        ASSERT_LT(exact, 1.0);
+        compare(observed, DifferentiationChain::samples, exact);
+        if (observed.rows == 2) compare(observed, DifferentiationChain::pair, exact);
+    }
 }
 
 TEST(Differentiation, ShortChainIsRaisedToTwentyThousandSteps) {
