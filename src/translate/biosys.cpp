@@ -204,8 +204,7 @@ private:
     void write_sample() {
         ++number_;
         if (name_.empty()) name_ = "Population" + std::to_string(number_);
-        project_ << "\t\t SampleName= \"" << name_ << "\"\n\t\t SampleSize=" << individuals_
-                 << "\n\t\t SampleData={\n"
+        project_ << "\t\t SampleName= \"" << name_ << "\"\n\t\t SampleSize=" << individuals_ << "\n\t\t SampleData={\n"
                  << data_ << "     }\n";
         name_.clear();
         data_.clear();
@@ -253,8 +252,8 @@ void write_data(std::istream& in, BiosysHead const& head, std::ostream& project)
     long const samples = BiosysReader(in, *format, halves, project).read();
     if (samples == head.samples) return;
     project << "\t\t SampleName= \"Population" << samples + 1 << "\"\n\t\t SampleSize=0\n\t\t SampleData={\n";
-    mark_unreadable(project, std::to_string(head.samples) + " samples are declared, and " + std::to_string(samples) +
-                                 " found");
+    mark_unreadable(project,
+                    std::to_string(head.samples) + " samples are declared, and " + std::to_string(samples) + " found");
     project << "     }\n";
 }
 
@@ -338,8 +337,9 @@ constexpr std::size_t name_width = 7;
 
 void write_head(std::ostream& out, Project& project, int loci, AlleleSizes const& sizes) {
     // A title with the first key of the head would be read as the head.
-    out << (contains_word(project.title, "NOTU") ? my_string() : project.title) << "\nNOTU=" << project.p_sam().NbPopulations() << ", NLOC=" << loci
-        << ", NALL=" << sizes.most << ", CRT;\n"
+    out << (contains_word(project.title, "NOTU") ? my_string() : project.title)
+        << "\nNOTU=" << project.p_sam().NbPopulations() << ", NLOC=" << loci << ", NALL=" << sizes.most
+        << ", CRT;\n"
         // kept on purpose: readers of this statement expect the second parenthesis.
         << "(1X,A7))\n";
     for (int l = 1; l <= loci; ++l) out << (l < 10 ? " LOCI0" : " LOCI") << l << '\n';

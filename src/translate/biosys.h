@@ -44,8 +44,8 @@ struct BiosysFormat {
 
 /// Turns a Biosys file into a project of genotypes of unknown phase.
 ///
-/// A first line of a sample that has not the form of an individual is its name. A line that doesn't fit gives a mark that
-/// makes the project fail when it is read. Blank fields and "?" are missing data.
+/// A first line of a sample that has not the form of an individual is its name. A line that doesn't fit gives a mark
+/// that makes the project fail when it is read. Blank fields and "?" are missing data.
 void biosys_to_project(std::istream& in, std::ostream& project);
 
 /// Writes an opened project of genotypes whose allele vectors are built.

@@ -66,13 +66,19 @@ private:
         char const kind = peek();
         ++at_;
         switch (kind) {
-            case '(': return read_group(count, depth);
+            case '(':
+                return read_group(count, depth);
             case 'X':
-            case 'x': return skip(count);
+            case 'x':
+                return skip(count);
             case 'A':
-            case 'a': return add_fields(count, read_number());
-            case '/': lines_.emplace_back(); return lines_.size() <= 3;
-            default: return false;
+            case 'a':
+                return add_fields(count, read_number());
+            case '/':
+                lines_.emplace_back();
+                return lines_.size() <= 3;
+            default:
+                return false;
         }
     }
 

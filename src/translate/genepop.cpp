@@ -46,8 +46,10 @@ std::vector<long> count_individuals(std::istream& in) {
     std::string line;
     if (!read_title(in, line)) return sizes;
     while (read_content_line(in, line)) {
-        if (begins_sample(line, !sizes.empty())) sizes.push_back(0);
-        else if (!sizes.empty() && holds_individual(line)) ++sizes.back();
+        if (begins_sample(line, !sizes.empty()))
+            sizes.push_back(0);
+        else if (!sizes.empty() && holds_individual(line))
+            ++sizes.back();
     }
     return sizes;
 }
@@ -113,8 +115,10 @@ private:
     }
 
     static void add_allele(std::string& line, std::string_view allele) {
-        if (allele.find_first_not_of('0') == std::string_view::npos) line += '?';
-        else line += allele;
+        if (allele.find_first_not_of('0') == std::string_view::npos)
+            line += '?';
+        else
+            line += allele;
         line += ' ';
     }
 
@@ -274,8 +278,7 @@ bool write_genepop(Project& project, std::ostream& out) {
             line = genepop_name(entry.name) + " ,";
             for (int l = 0; l < loci; ++l) {
                 line += ' ';
-                for (int c = 0; c < entry.chromosomes; ++c)
-                    digits.append(line, numbers.of(l, entry.rank(c, l)), width);
+                for (int c = 0; c < entry.chromosomes; ++c) digits.append(line, numbers.of(l, entry.rank(c, l)), width);
             }
             line += '\n';
             for (std::int64_t i = 0; i < entry.copies; ++i)

@@ -101,13 +101,26 @@ void imp_exp::import_data(int format, char const* source, char const* target, st
 
 void imp_exp::read_format() {
     switch (format_) {
-        case genepop: read_gen_pop(); break;
-        case phylip: read_phylip(); break;
-        case mega: read_mega(); break;
-        case biosys: read_biosys(); break;
-        case zentara: read_zentara(); break;
-        case tovenia: read_tovenia(); break;
-        default: break;
+        case genepop:
+            read_gen_pop();
+            break;
+        case phylip:
+            read_phylip();
+            break;
+        case mega:
+            read_mega();
+            break;
+        case biosys:
+            read_biosys();
+            break;
+        case zentara:
+            read_zentara();
+            break;
+        case tovenia:
+            read_tovenia();
+            break;
+        default:
+            break;
     }
 }
 
@@ -278,12 +291,23 @@ void imp_exp::write_format() {
     // A part of the data would look like all of it.
     if (!opened_ || !has_data()) return;
     switch (format_) {
-        case genepop: write_gen_pop(); break;
-        case phylip: write_phylip(); break;
-        case mega: write_mega(); break;
-        case biosys: write_biosys(); break;
-        case zentara: write_zentara(); break;
-        default: break;
+        case genepop:
+            write_gen_pop();
+            break;
+        case phylip:
+            write_phylip();
+            break;
+        case mega:
+            write_mega();
+            break;
+        case biosys:
+            write_biosys();
+            break;
+        case zentara:
+            write_zentara();
+            break;
+        default:
+            break;
     }
 }
 

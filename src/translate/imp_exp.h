@@ -58,8 +58,8 @@ public:
     void write_biosys();
     void write_zentara();
 
-    Project* project = nullptr;  ///< borrowed: the project that the intermediate file is read into
-    int diploid = 0;             ///< Genepop: both alleles of a field are read
+    Project* project = nullptr;     ///< borrowed: the project that the intermediate file is read into
+    int diploid = 0;                ///< Genepop: both alleles of a field are read
     std::string zentara_matrix;     ///< completes a Zentara file without a matrix
     std::string zentara_structure;  ///< completes a Zentara file without a structure
 
@@ -81,7 +81,8 @@ private:
     bool written_ = false;  // the writer has written all
 };
 
-/// The intermediate project and the scratch document that a translation makes and removes: no data may bear their names.
+/// The intermediate project and the scratch document that a translation makes and removes: no data may bear their
+/// names.
 [[nodiscard]] bool is_working_file(std::string const& path, std::string const& directory);
 
 /// Name of the intermediate project.

@@ -40,10 +40,12 @@ std::string without_brackets(std::string_view text) {
     std::string kept;
     int depth = 0;
     for (char const c : text) {
-        if (c == '[') ++depth;
-        else if (c == ']' && depth > 0) --depth;
-        else if (depth == 0) kept += c;
-        else if (c == '\n') kept += c;
+        if (c == '[')
+            ++depth;
+        else if (c == ']' && depth > 0)
+            --depth;
+        else if (depth == 0 || c == '\n')
+            kept += c;
     }
     return kept;
 }
@@ -68,10 +70,14 @@ public:
         for (std::string_view line; next_line(line);) {
             std::string_view const content = trimmed(line);
             if (content.empty()) continue;
-            if (content.front() == '!') take_command(content);
-            else if (content.front() == '#') take_name(content.substr(1));
-            else if (current_) append(content);
-            else take_title(content);
+            if (content.front() == '!')
+                take_command(content);
+            else if (content.front() == '#')
+                take_name(content.substr(1));
+            else if (current_)
+                append(content);
+            else
+                take_title(content);
         }
         return std::move(file_);
     }
@@ -181,8 +187,8 @@ bool fills_triangle(std::size_t taxa, std::size_t numbers, bool& diagonal) {
 /// as many numbers as a triangle has.
 bool is_matrix(MegaFile const& file) {
     if (file.distances) return true;
-    bool const bare_name = std::any_of(file.taxa.begin(), file.taxa.end(),
-                                       [](MegaTaxon const& taxon) { return taxon.text.empty(); });
+    bool const bare_name =
+        std::any_of(file.taxa.begin(), file.taxa.end(), [](MegaTaxon const& taxon) { return taxon.text.empty(); });
     std::vector<std::string_view> numbers;
     bool diagonal = false;
     return file.taxa.size() > 1 && bare_name && distances_of(file, numbers) &&
@@ -209,8 +215,7 @@ void write_rows(std::ostream& project, std::size_t n, std::vector<std::string_vi
 void write_matrix(std::ostream& project, MegaFile const& file) {
     std::vector<std::string_view> numbers;
     bool diagonal = false;
-    bool const good =
-        distances_of(file, numbers) && fills_triangle(file.taxa.size(), numbers.size(), diagonal);
+    bool const good = distances_of(file, numbers) && fills_triangle(file.taxa.size(), numbers.size(), diagonal);
     project << "\t\t[[DistanceMatrix]] \n"
             << "\t\t     MatrixName=\"Generic Distmat\"\n"
             << "\t\t     MatrixSize=" << file.taxa.size() << '\n'
@@ -218,8 +223,10 @@ void write_matrix(std::ostream& project, MegaFile const& file) {
             << "\t\t     MatrixData={ \n\t\t\t";
     for (MegaTaxon const& taxon : file.taxa) project << taxon.name << ' ';
     project << '\n';
-    if (good) write_rows(project, file.taxa.size(), numbers, diagonal, file.upper_triangle);
-    else mark_unreadable(project, "the distances do not fill a triangle");
+    if (good)
+        write_rows(project, file.taxa.size(), numbers, diagonal, file.upper_triangle);
+    else
+        mark_unreadable(project, "the distances do not fill a triangle");
     project << "       }\n";
 }
 
@@ -239,11 +246,14 @@ void unify_sequences(MegaFile& file) {
 
 void write_entries(std::ostream& project, MegaFile const& file, bool matrix) {
     for (MegaTaxon const& taxon : file.taxa) {
-        if (matrix) project << "\t\t\t" << taxon.name << " 1 \n";
-        else if (taxon.text.empty()) mark_unreadable(project, taxon.name + " has no sequence");
+        if (matrix)
+            project << "\t\t\t" << taxon.name << " 1 \n";
+        else if (taxon.text.empty())
+            mark_unreadable(project, taxon.name + " has no sequence");
         else if (breaks_data(taxon.text))
             mark_unreadable(project, taxon.name + " has a character that a project can't hold");
-        else project << "\t\t\t" << taxon.name << " 1 " << taxon.text << '\n';
+        else
+            project << "\t\t\t" << taxon.name << " 1 " << taxon.text << '\n';
     }
     if (file.taxa.empty()) mark_unreadable(project, "no sequence was found");
 }
@@ -290,8 +300,9 @@ bool single_characters(TAlleleDB const& alleles, int loci) {
 
 bool write_mega(Project& project, std::ostream& out) {
     if (!single_characters(project.p_alldb(), export_loci(project))) {
-        log_text("  Impossible to write this data into MEGA format, because each\n"
-                 "  character is supposed to be a single allele.");
+        log_text(
+            "  Impossible to write this data into MEGA format, because each\n"
+            "  character is supposed to be a single allele.");
         return false;
     }
     log_merging_notes(project, "MEGA");
@@ -302,7 +313,8 @@ bool write_mega(Project& project, std::ostream& out) {
             for (std::int64_t i = 0; i < entry.copies; ++i)
                 for (int c = 0; c < entry.chromosomes; ++c)
                     out << '#' << name_column(entry.name, ++number) << ' '
-                        << without_separator(exported_definition(project, entry.texts[c]), project.LocusSeparator) << '\n';
+                        << without_separator(exported_definition(project, entry.texts[c]), project.LocusSeparator)
+                        << '\n';
         });
     return true;
 }

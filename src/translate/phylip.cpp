@@ -85,9 +85,15 @@ public:
     LaidOut(std::vector<std::string> const& lines, PhylipHead const& head, Layout layout, Unit unit)
         : head_(head), unit_(unit) {
         switch (layout) {
-            case Layout::one_line: take_lines(lines); break;
-            case Layout::interleaved: take_blocks(lines); break;
-            case Layout::sequential: take_runs(lines); break;
+            case Layout::one_line:
+                take_lines(lines);
+                break;
+            case Layout::interleaved:
+                take_blocks(lines);
+                break;
+            case Layout::sequential:
+                take_runs(lines);
+                break;
         }
     }
 
@@ -185,8 +191,10 @@ void phylip_to_project(std::istream& in, std::ostream& project) {
             << "\t [[Samples]]\n"
             << "\t\t SampleName= \"Population1\"\n"
             << "\t\t SampleSize= " << head.taxa << "\n\t\t SampleData={\n";
-    if (has_head) write_taxa(project, found, head, unit);
-    else mark_unreadable(project, "the first line does not give the numbers of taxa and characters");
+    if (has_head)
+        write_taxa(project, found, head, unit);
+    else
+        mark_unreadable(project, "the first line does not give the numbers of taxa and characters");
     project << "     }\n";
 }
 

@@ -43,14 +43,14 @@ std::string entry_name(std::string_view text, std::string_view spare) {
 
 std::string quoted_text(std::string_view text) {
     std::string quoted(text);
-    std::replace_if(quoted.begin(), quoted.end(), [](char c) { return is_control(c) || c == '"' || c == '#'; }, ' ');
+    std::replace_if(
+        quoted.begin(), quoted.end(), [](char c) { return is_control(c) || c == '"' || c == '#'; }, ' ');
     return quoted;
 }
 
 bool breaks_data(std::string_view text) noexcept {
-    return std::any_of(text.begin(), text.end(), [](char c) {
-        return c == '#' || c == '{' || c == '}' || (is_control(c) && !is_blank(c));
-    });
+    return std::any_of(text.begin(), text.end(),
+                       [](char c) { return c == '#' || c == '{' || c == '}' || (is_control(c) && !is_blank(c)); });
 }
 
 void mark_unreadable(std::ostream& project, std::string_view reason) {

@@ -34,8 +34,10 @@ std::vector<Part> read_parts(std::istream& in) {
     std::vector<Part> parts(1);
     for (std::string line; read_content_line(in, line);) {
         std::string_view const text = trimmed(line);
-        if (text == part_marker) parts.emplace_back();
-        else parts.back().emplace_back(text);
+        if (text == part_marker)
+            parts.emplace_back();
+        else
+            parts.back().emplace_back(text);
     }
     return parts;
 }
@@ -56,8 +58,10 @@ ZentaraFile read_file(std::istream& in, ZentaraSource const& source) {
     std::vector<Part> parts = read_parts(in);
     ZentaraFile file;
     file.populations = std::move(parts[0]);
-    if (parts.size() > 1 && !parts[1].empty()) file.matrix = parts[1].front();
-    else file.matrix = source.matrix_file;
+    if (parts.size() > 1 && !parts[1].empty())
+        file.matrix = parts[1].front();
+    else
+        file.matrix = source.matrix_file;
     keep_groups(file.groups, parts, 2);
     if (file.groups.empty() && !source.structure_file.empty()) {
         if (auto const structure = source.open(source.directory + source.structure_file)) {
@@ -116,8 +120,10 @@ void read_population(std::istream& in, std::string& data, double& sum) {
 void write_sample(std::ostream& project, std::string const& name, ZentaraSource const& source) {
     std::string data;
     double sum = 0.0;
-    if (auto const in = source.open(source.directory + name + ".pop")) read_population(*in, data, sum);
-    else data = "****ERROR**** Population " + name + " not found\n";
+    if (auto const in = source.open(source.directory + name + ".pop"))
+        read_population(*in, data, sum);
+    else
+        data = "****ERROR**** Population " + name + " not found\n";
     project << "\t\t SampleName=\"" << quoted_text(name) << "\"\n\t\t SampleSize=" << sum << "\n\t\t SampleData={\n"
             << data << "\t\t }\n";
 }
@@ -191,7 +197,8 @@ bool write_matrix(Project& project, std::string const& path) {
     int const n = distances.dimension() > 0 ? distances.dimension() : haplotypes.size();
     std::ofstream out(path, std::ios::trunc);
     for (int i = 0; i < n; ++i)
-        out << (labelled ? distances.labels[static_cast<std::size_t>(i)] : haplotypes[i].id) << (i + 1 < n ? ' ' : '\n');
+        out << (labelled ? distances.labels[static_cast<std::size_t>(i)] : haplotypes[i].id)
+            << (i + 1 < n ? ' ' : '\n');
     for (int i = 0; i < n; ++i)
         for (int j = 0; j <= i; ++j) {
             double const distance = distances.dimension() > 0 ? distances(i, j) : (i == j ? 0.0 : 1.0);
@@ -215,8 +222,9 @@ bool write_zentara(Project& project, std::string const& directory, std::ostream&
         return false;
     }
     if (project.GenotypicData) {
-        log_text("    Zentara accepts only Haplotypic data format, the\n"
-                 "    source data file contained Genoytypic data");
+        log_text(
+            "    Zentara accepts only Haplotypic data format, the\n"
+            "    source data file contained Genoytypic data");
         return false;
     }
     FileNames names;

@@ -178,6 +178,8 @@ class RoundTrips(Translation):
             project, _ = self.to_project("Phylip", text)
             document = self.assert_runs()
             self.assertRegex(document, "No. of gene copies *: *3\n")
+            self.assertRegex(document, "No. of loci *: *8\n")
+            self.assertRegex(document, "No. of usable loci *: *7 ")
             again, log = self.from_project("Phylip", project, name="q")
             self.assertEqual([line[10:] for line in again.split("\n")], [line[10:] for line in PHYLIP.split("\n")])
             self.assertNotIn("merged", log)

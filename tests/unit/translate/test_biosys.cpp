@@ -1,7 +1,6 @@
-#include "translate/biosys.h"
-
 #include <gtest/gtest.h>
 
+#include "translate/biosys.h"
 #include "translate_fixture.h"
 
 using namespace tov;
@@ -62,7 +61,8 @@ TEST(BiosysFormat, OtherTextsAreNoFormat) {
 
 TEST(BiosysReader, WritesProfileFormatAndSamples) {
     std::string const project =
-        biosys_project(std::string(one_line_head) + "a1         AA BC AA\na2         AB CC DD\nNEXT\nb1         AA BB    \nNEXT\nEND;\n");
+        biosys_project(std::string(one_line_head) +
+                       "a1         AA BC AA\na2         AB CC DD\nNEXT\nb1         AA BB    \nNEXT\nEND;\n");
     EXPECT_EQ(project,
               "[Profile]\n\t Title=\"Two lakes\"\n\t NbSamples=2\n\t GenotypicData=1\n\t GameticPhase=0\n"
               "\t DataType=STANDARD\n\t MissingData=\"?\"\n\t LocusSeparator=WHITESPACE\n\n[Data]\n\t [[Samples]]\n"
@@ -95,18 +95,20 @@ TEST(BiosysReader, ALineInFrontOfTheIndividualsNamesTheSample) {
 
 TEST(BiosysReader, ReadsSeveralLinesAnIndividualAndStatementsBehindTheKey) {
     std::string const project = biosys_project(
-        "notu = 1, nloc = 3;\nstep data:\ndatyp=1, alpha, (A3,1X,2(1X,2A1)/\n4X,1(1X,2A1))\nab   AA BB\n     CD\n\ncd   AB BB\n"
+        "notu = 1, nloc = 3;\nstep data:\ndatyp=1, alpha, (A3,1X,2(1X,2A1)/\n4X,1(1X,2A1))\nab   AA BB\n     CD\n\ncd  "
+        " AB BB\n"
         "     CC\nNEXT;\nEND;\n");
-    EXPECT_TRUE(holds(project, "#Number of lines=2\n#Name field has length 3 followed by 2 blanks\n#There are 3 loci, \n"
-                               "#\tformat of line number 1 : 2X, A1, A1\n#\tformat of line number 2 : 5X, A1, A1\n"));
+    EXPECT_TRUE(holds(project,
+                      "#Number of lines=2\n#Name field has length 3 followed by 2 blanks\n#There are 3 loci, \n"
+                      "#\tformat of line number 1 : 2X, A1, A1\n#\tformat of line number 2 : 5X, A1, A1\n"));
     EXPECT_TRUE(holds(project, "ab 1 A B C \n      A B D \ncd 1 A B C \n      B B C \n"));
     EXPECT_TRUE(holds(project, "Title=\"\""));
     EXPECT_TRUE(reads_cleanly(project));
 }
 
 TEST(BiosysReader, OneFieldALocusIsSplitInTwo) {
-    std::string const project = biosys_project(
-        "t\nNOTU=1,NLOC=2;\nSTEP DATA:\nDATYP=1,ALPHA\n(A4,2(1X,A4))\na1   0102 0203\nNEXT;\nEND;\n");
+    std::string const project =
+        biosys_project("t\nNOTU=1,NLOC=2;\nSTEP DATA:\nDATYP=1,ALPHA\n(A4,2(1X,A4))\na1   0102 0203\nNEXT;\nEND;\n");
     EXPECT_TRUE(holds(project, "a1 1 01 02 \n      02 03 \n")) << project;
     EXPECT_TRUE(reads_cleanly(project));
 }
@@ -124,7 +126,8 @@ TEST(BiosysReader, TruncatedAndGarbageFilesGiveProjectsThatFail) {
     EXPECT_TRUE(reads_cleanly(biosys_project(text)));
     for (std::size_t length = 0; length < text.size() - 1; ++length)
         EXPECT_TRUE(fails_when_read(biosys_project(text.substr(0, length)))) << length;
-    for (char const* garbage : {"\n\n", "NOTU=1,NLOC=1;\nSTEP DATA:\nDATYP=1\nnothing\n", "NOTU=99999999999999999;\nSTEP DATA:\nDATYP (A1,2A1)\n"})
+    for (char const* garbage : {"\n\n", "NOTU=1,NLOC=1;\nSTEP DATA:\nDATYP=1\nnothing\n",
+                                "NOTU=99999999999999999;\nSTEP DATA:\nDATYP (A1,2A1)\n"})
         EXPECT_TRUE(fails_when_read(biosys_project(garbage))) << garbage;
 }
 
@@ -143,15 +146,18 @@ TEST(BiosysWriter, WritesHeadFormatAndIndividuals) {
 TEST(BiosysWriter, NamesLociWithTwoDigits) {
     std::string alleles = "1";
     for (int l = 2; l <= 12; ++l) alleles += " 1";
-    std::string const out = Export().write(
-        imp_exp::biosys, genotypic_profile_text("MICROSAT") + "[[Samples]]\n" + sample_text("S", "1", "i 1 " + alleles + "\n" + alleles + "\n"));
+    std::string const out =
+        Export().write(imp_exp::biosys, genotypic_profile_text("MICROSAT") + "[[Samples]]\n" +
+                                            sample_text("S", "1", "i 1 " + alleles + "\n" + alleles + "\n"));
     EXPECT_TRUE(holds(out, " LOCI09\n LOCI10\n LOCI11\n LOCI12\n"));
     EXPECT_TRUE(holds(out, "(A7,3X,12(1X,A1,A1))\n"));
 }
 
 TEST(BiosysWriter, RefusesHaplotypes) {
     Export haplotypes;
-    EXPECT_EQ(haplotypes.write(imp_exp::biosys, profile_text("DNA") + "[[Samples]]\n" + sample_text("S", "1", "h 1 AC\n")), "");
+    EXPECT_EQ(
+        haplotypes.write(imp_exp::biosys, profile_text("DNA") + "[[Samples]]\n" + sample_text("S", "1", "h 1 AC\n")),
+        "");
     EXPECT_TRUE(holds(haplotypes.fresh.log(),
                       "  It is not possible to translate Haplotypic data into the\n  BIOSYS format.\n"));
 }

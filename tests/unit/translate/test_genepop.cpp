@@ -1,5 +1,3 @@
-#include "translate/genepop.h"
-
 #include <gtest/gtest.h>
 
 #include <map>
@@ -7,6 +5,7 @@
 #include <utility>
 #include <vector>
 
+#include "translate/genepop.h"
 #include "translate_fixture.h"
 
 using namespace tov;
@@ -83,27 +82,29 @@ void expect_same(std::string const& before, std::string const& after) {
     }
 }
 
-constexpr char two_digits[] =
-    "Two samples\nLoc1\nLoc2\nPOP\nA1 , 0101 0203\nA2 , 0102 0000\nPOP\nB1 , 0202 0301\n";
+constexpr char two_digits[] = "Two samples\nLoc1\nLoc2\nPOP\nA1 , 0101 0203\nA2 , 0102 0000\nPOP\nB1 , 0202 0301\n";
 
 }  // namespace
 
 TEST(GenepopReader, WritesTheProfileAndTheLociAsComments) {
     std::string const project = genepop_project("\n  \nA \"b\" title\nLoc1\nLoc2, Loc3\nPop\nA1, 0101 0202 0303\n");
-    EXPECT_TRUE(project.starts_with("[Profile]\n\t Title=\"A  b  title\"\n\t NbSamples=1\n\t GenotypicData=1\n"
-                                    "\t GameticPhase=0\n\t DataType=STANDARD\n\t LocusSeparator=WHITESPACE\n"
-                                    "\t MissingData=\"?\"\n"
-                                    "# The names of the loci taken from the GenePop file are listed below as comments\n"
-                                    "# Loc1\n# Loc2, Loc3\n[Data]\n\t [[Samples]]\n"))
+    EXPECT_TRUE(
+        project.starts_with("[Profile]\n\t Title=\"A  b  title\"\n\t NbSamples=1\n\t GenotypicData=1\n"
+                            "\t GameticPhase=0\n\t DataType=STANDARD\n\t LocusSeparator=WHITESPACE\n"
+                            "\t MissingData=\"?\"\n"
+                            "# The names of the loci taken from the GenePop file are listed below as comments\n"
+                            "# Loc1\n# Loc2, Loc3\n[Data]\n\t [[Samples]]\n"))
         << project;
 }
 
 TEST(GenepopReader, OpensEverySampleWithItsComment) {
     std::string const project = genepop_project(two_digits);
-    EXPECT_TRUE(holds(project, "\t\t SampleName= \"Population1\"\n\t\t SampleSize=100  #Wrong on purpose,  but it does "
-                               "not matter here \n\t\t SampleSize=2\n\t\t SampleData={\n"));
-    EXPECT_TRUE(holds(project, "     }\n\t\t SampleName=\"Population2\"\n\t\t SampleSize=100  #Wrong on purpose, but it "
-                               "does not matter here\n\t\t SampleSize=1\n\t\t SampleData={\n"));
+    EXPECT_TRUE(holds(project,
+                      "\t\t SampleName= \"Population1\"\n\t\t SampleSize=100  #Wrong on purpose,  but it does "
+                      "not matter here \n\t\t SampleSize=2\n\t\t SampleData={\n"));
+    EXPECT_TRUE(holds(project,
+                      "     }\n\t\t SampleName=\"Population2\"\n\t\t SampleSize=100  #Wrong on purpose, but it "
+                      "does not matter here\n\t\t SampleSize=1\n\t\t SampleData={\n"));
     EXPECT_TRUE(project.ends_with("     }\n"));
 }
 
@@ -134,8 +135,8 @@ TEST(GenepopReader, WordsThatAreNoDigitsGiveAComment) {
 }
 
 TEST(GenepopReader, OnlyTheWordAloneBeginsASample) {
-    std::string const project =
-        genepop_project("Population structure of POP\nPopA\nPOPB\nPop\nPop1, 0101 0202\npop2, 0101 0202\nPop north\nx, 0101 0202\n");
+    std::string const project = genepop_project(
+        "Population structure of POP\nPopA\nPOPB\nPop\nPop1, 0101 0202\npop2, 0101 0202\nPop north\nx, 0101 0202\n");
     EXPECT_TRUE(holds(project, "\t NbSamples=2\n"));
     EXPECT_TRUE(holds(project, "# PopA\n# POPB\n[Data]"));
     EXPECT_TRUE(holds(project, "Pop1   1  01 02 \n"));
@@ -183,13 +184,15 @@ TEST(GenepopReader, EveryBeginningOfAFileIsSurvived) {
 
 TEST(GenepopRoundTrip, KeepsTwoDigitGenotypes) {
     std::string const after = genepop_again(two_digits);
-    EXPECT_EQ(after, "Title line:Two samples\nLocus_1\nLocus_2\nPOP\nA1 , 0101 0102\nA2 , 0102 0000\nPOP\nB1 , 0202 0203\n");
+    EXPECT_EQ(after,
+              "Title line:Two samples\nLocus_1\nLocus_2\nPOP\nA1 , 0101 0102\nA2 , 0102 0000\nPOP\nB1 , 0202 0203\n");
     expect_same(two_digits, after);
 }
 
 TEST(GenepopRoundTrip, KeepsThreeDigitGenotypesSeveralLinesAndNamesWithBlanks) {
     std::string const text =
-        "Microsatellites\r\nFca8\r\nFca23\r\nFca43\r\nPop\r\nGrange 1 ,  135143\t136146\r\n 139139\r\nGrange 2 , 133135\r\n"
+        "Microsatellites\r\nFca8\r\nFca23\r\nFca43\r\nPop\r\nGrange 1 ,  135143\t136146\r\n 139139\r\nGrange 2 , "
+        "133135\r\n"
         "146146 139145\r\nPOP\r\nx , 000000 136136 141141\r\n";
     expect_same(text, genepop_again(text));
 }
@@ -236,15 +239,16 @@ TEST(GenepopWriter, WritesSequencesSiteBySite) {
 
 TEST(GenepopWriter, RefusesDataWithoutLociOrWithAThousandAlleles) {
     Export without;
-    EXPECT_EQ(without.write(imp_exp::genepop, profile_text("FREQUENCY") + "[[Samples]]\n" + sample_text("S", "3", "h 3\n")),
-              "");
+    EXPECT_EQ(
+        without.write(imp_exp::genepop, profile_text("FREQUENCY") + "[[Samples]]\n" + sample_text("S", "3", "h 3\n")),
+        "");
     EXPECT_TRUE(holds(without.fresh.log(), "Data without loci can't be written into Genepop format."));
 
     std::string data;
     for (int i = 0; i < 1000; ++i) data += "h" + std::to_string(i) + " 1 " + std::to_string(i) + "\n";
     Export many;
-    EXPECT_EQ(many.write(imp_exp::genepop, profile_text("MICROSAT", 1, "WHITESPACE") + "[[Samples]]\n" +
-                                               sample_text("S", "1000", data)),
+    EXPECT_EQ(many.write(imp_exp::genepop,
+                         profile_text("MICROSAT", 1, "WHITESPACE") + "[[Samples]]\n" + sample_text("S", "1000", data)),
               "");
     EXPECT_TRUE(holds(many.fresh.log(), "because a locus has more than 999 alleles."));
 }

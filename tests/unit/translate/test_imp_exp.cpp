@@ -1,10 +1,9 @@
-#include "translate/imp_exp.h"
-
 #include <gtest/gtest.h>
 
 #include <regex>
 
 #include "model/sample.h"
+#include "translate/imp_exp.h"
 #include "translate_fixture.h"
 
 using namespace tov;
@@ -50,9 +49,10 @@ TEST(ImpExp, ImportBeginsWithTimeSourceAndFormat) {
     translator.diploid = 1;
     translator.import_data(imp_exp::genepop, "in.gen", "mid.tvp", file("mid.tvp"));
     std::string const project = context.directory.read("mid.tvp");
-    EXPECT_TRUE(std::regex_search(project, std::regex("^#File created by Tovenia translator on \\d\\d/\\d\\d/19\\d\\d at "
-                                                      "\\d\\d:\\d\\d:\\d\\d\\)\n#The input file was \"in\\.gen\"  with "
-                                                      "format \"GenePop\" \n\\[Profile\\]\n")))
+    EXPECT_TRUE(
+        std::regex_search(project, std::regex("^#File created by Tovenia translator on \\d\\d/\\d\\d/19\\d\\d at "
+                                              "\\d\\d:\\d\\d:\\d\\d\\)\n#The input file was \"in\\.gen\"  with "
+                                              "format \"GenePop\" \n\\[Profile\\]\n")))
         << project;
     EXPECT_EQ(context.fresh.log(), "\tReading  in.gen ...\n\tdone.\n");
 }
@@ -81,7 +81,8 @@ TEST(ImpExp, AMissingSourceIsToldAndGivesAProjectThatFails) {
 
 TEST(ImpExp, AProjectIsImportedCleaned) {
     Export context;
-    context.directory.write("d.tvp", "# head\n" + profile_text("DNA") + "[[Samples]]\n" + sample_text("S", "1", "h\t 1\tAC\n"));
+    context.directory.write("d.tvp",
+                            "# head\n" + profile_text("DNA") + "[[Samples]]\n" + sample_text("S", "1", "h\t 1\tAC\n"));
     Project project;
     imp_exp translator;
     translator.project = &project;
@@ -98,13 +99,15 @@ TEST(ImpExp, AMissingProjectIsTold) {
     imp_exp translator;
     translator.project = &project;
     translator.import_data(imp_exp::tovenia, "none.tvp", "mid.tvp", file("mid.tvp"));
-    EXPECT_EQ(context.fresh.log(), "\tReading  none.tvp ...\n\nAn error has occurred while cleaning-up the project...\nnone.tvp\n\tdone.\n");
+    EXPECT_EQ(context.fresh.log(),
+              "\tReading  none.tvp ...\n\nAn error has occurred while cleaning-up the project...\nnone.tvp\n\tdone.\n");
 }
 
 TEST(ImpExp, ExternalFilesAreFoundFromTheCopy) {
     Export context;
     std::filesystem::create_directory("d");
-    context.directory.write("d/p.tvp", profile_text("DNA") + "[[Samples]]\nSampleName=\"S\"\nSampleSize=2\nSampleData= EXTERN \"s.dat\"\n");
+    context.directory.write(
+        "d/p.tvp", profile_text("DNA") + "[[Samples]]\nSampleName=\"S\"\nSampleSize=2\nSampleData= EXTERN \"s.dat\"\n");
     context.directory.write("d/s.dat", "h1 1 ACGT # one\nh2\t1\tACGA\n");
     Project project;
     imp_exp translator;
@@ -123,7 +126,8 @@ TEST(ImpExp, ExportToAProjectCopiesItWhateverItHolds) {
 }
 
 TEST(ImpExp, AProjectThatCantBeOpenedLeavesForeignFilesEmpty) {
-    std::string const text = profile_text("DNA", 2) + "[[Samples]]\n" + sample_text("S", "1", "h 1 AC\n") + "SampleName=\"T\"\nSampleData={\nx";
+    std::string const text = profile_text("DNA", 2) + "[[Samples]]\n" + sample_text("S", "1", "h 1 AC\n") +
+                             "SampleName=\"T\"\nSampleData={\nx";
     for (int format : {1, 2, 3, 4, 5}) {
         Export context;
         EXPECT_EQ(context.write(format, text), "");
@@ -140,7 +144,8 @@ TEST(ImpExp, SamplesWithoutAnyEntryAreNotWritten) {
 
 TEST(ImpExp, ExportRestoresTheSettingsAndEmptiesTheProject) {
     Export context;
-    context.directory.write("p.tvp", genotypic_profile_text("STANDARD", 1) + "[[Samples]]\n" + sample_text("S", "1", "i 1 a b\na c\n"));
+    context.directory.write(
+        "p.tvp", genotypic_profile_text("STANDARD", 1) + "[[Samples]]\n" + sample_text("S", "1", "i 1 a b\na c\n"));
     Project project;
     project.p_set().TaskNumber = 3;
     project.p_set().InitialConditionsEM = 17;

@@ -1,7 +1,6 @@
-#include "translate/mega.h"
-
 #include <gtest/gtest.h>
 
+#include "translate/mega.h"
 #include "translate_fixture.h"
 
 using namespace tov;
@@ -28,8 +27,10 @@ TEST(MegaReader, WritesProfileAndSample) {
 TEST(MegaReader, ReadsOneLineManyLinesAndInterleavedFilesAlike) {
     for (char const* text : {
              "#mega\nTitle: t\n#A AAAACCCC\n#B AAAACCGG\n",
-             "#MEGA\r\n!Title t;\r\n!Format DataType=DNA NSeqs=2 NSites=8;\r\n\r\n#A\r\nAAAA\r\nCCCC\r\n#B\r\nAAAA CCGG\r\n",
-             "#mega\n!Title t;\n!Format\n  DataType=DNA\n  indel=- missing=? identical=. ;\n\n#A AAAA [4]\n#B .... [4]\n\n"
+             "#MEGA\r\n!Title t;\r\n!Format DataType=DNA NSeqs=2 NSites=8;\r\n\r\n#A\r\nAAAA\r\nCCCC\r\n#B\r\nAAAA "
+             "CCGG\r\n",
+             "#mega\n!Title t;\n!Format\n  DataType=DNA\n  indel=- missing=? identical=. ;\n\n#A AAAA [4]\n#B .... "
+             "[4]\n\n"
              "#A CCCC [8]\n#B ..GG [8]\n",
              "#mega\nTITLE t\n[a comment\n#X TTTT\n over lines]\n#A{north} AAAACCCC\n#B {south} AAAACCGG\n",
              "#mega\n!Title t;\n!Format missing=N;\n#A AAAACCCC\n#B AAAACCGG\n",
@@ -49,14 +50,17 @@ TEST(MegaReader, ResolvesTheFilesOwnSigns) {
 TEST(MegaReader, ReadsATriangleOfDistances) {
     std::string const rows = "\t\t\tA B C \n\t\t\t0.0\n\t\t\t0.5 0.0\n\t\t\t1.5 2.25 0.0\n       }\n";
     for (char const* text : {
-             "#mega\n!Title d;\n!Format DataType=distance DataFormat=LowerLeft NTaxa=3;\n#A\n#B\n#C\n[1]\n[2] 0.5\n[3] 1.5 2.25\n",
+             "#mega\n!Title d;\n!Format DataType=distance DataFormat=LowerLeft NTaxa=3;\n#A\n#B\n#C\n[1]\n[2] 0.5\n[3] "
+             "1.5 2.25\n",
              "#mega\nTITLE: d\n#A\n#B 0.5\n#C 1.5 2.25\n",
              "#mega\n!Title d;\n!Format DataType=Distance DataFormat=UpperRight;\n#A\n#B\n#C\n0.5 1.5\n2.25\n",
              "#mega\n!Title d;\n!Format DataType=Distance;\n#A 0\n#B 0.5 0\n#C 1.5 2.25 0\n",
          }) {
         std::string const project = mega_project(text);
-        EXPECT_TRUE(holds(project, "\t\t[[DistanceMatrix]] \n\t\t     MatrixName=\"Generic Distmat\"\n"
-                                   "\t\t     MatrixSize=3\n\t\t     LabelPosition=LINE \n\t\t     MatrixData={ \n" + rows))
+        EXPECT_TRUE(holds(project,
+                          "\t\t[[DistanceMatrix]] \n\t\t     MatrixName=\"Generic Distmat\"\n"
+                          "\t\t     MatrixSize=3\n\t\t     LabelPosition=LINE \n\t\t     MatrixData={ \n" +
+                              rows))
             << text << project;
         EXPECT_TRUE(holds(project, "\t\t\tA 1 \n\t\t\tB 1 \n\t\t\tC 1 \n       }\n"));
         ProjectText read(project);
@@ -68,7 +72,8 @@ TEST(MegaReader, ReadsATriangleOfDistances) {
 }
 
 TEST(MegaReader, LargeTrianglesOfBothFormsAgree) {
-    std::string lower = "#mega\n!Format DataType=Distance;\n", upper = "#mega\n!Format DataType=Distance DataFormat=UpperRight;\n";
+    std::string lower = "#mega\n!Format DataType=Distance;\n",
+                upper = "#mega\n!Format DataType=Distance DataFormat=UpperRight;\n";
     int const n = 7;
     auto const distance = [](int i, int j) { return std::to_string(10 * std::max(i, j) + std::min(i, j)) + " "; };
     for (int i = 0; i < n; ++i) {
@@ -97,7 +102,8 @@ TEST(MegaReader, BadFilesGiveProjectsThatFail) {
 }
 
 TEST(MegaReader, EveryBeginningOfAFileIsSurvived) {
-    std::string const text = "#mega\n!Title t;\n!Format missing=N identical=. ;\n[c]\n#A{x} ACGT\n#B .N.A\n#A AC\n#B GT\n";
+    std::string const text =
+        "#mega\n!Title t;\n!Format missing=N identical=. ;\n[c]\n#A{x} ACGT\n#B .N.A\n#A AC\n#B GT\n";
     for (std::size_t length = 0; length <= text.size(); ++length)
         EXPECT_TRUE(mega_project(text.substr(0, length)).starts_with("# A data file tranlated from file.meg\n"));
 }
@@ -113,17 +119,20 @@ TEST(MegaWriter, RefusesAllelesOfSeveralCharacters) {
     EXPECT_EQ(words.write(imp_exp::mega, profile_text("MICROSAT", 1, "WHITESPACE") + "[[Samples]]\n" +
                                              sample_text("S", "1", "h 1 10 7\n")),
               "");
-    EXPECT_TRUE(holds(words.fresh.log(), "  Impossible to write this data into MEGA format, because each\n"
-                                         "  character is supposed to be a single allele.\n"));
+    EXPECT_TRUE(holds(words.fresh.log(),
+                      "  Impossible to write this data into MEGA format, because each\n"
+                      "  character is supposed to be a single allele.\n"));
 }
 
 TEST(MegaRoundTrip, SequencesAndWordsOfOneCharacterComeBack) {
     Export genotypes;
     std::string const text = genotypic_profile_text("STANDARD", 2) + "[[Samples]]\n" +
-                             sample_text("S", "1", "i1 1 A b ?\nA c 1\n") + sample_text("T", "1", "i2 1 B b 1\nA ? 1\n");
+                             sample_text("S", "1", "i1 1 A b ?\nA c 1\n") +
+                             sample_text("T", "1", "i2 1 B b 1\nA ? 1\n");
     std::string const out = genotypes.write(imp_exp::mega, text);
     EXPECT_EQ(out, "#mega\nTITLE:t\n#i11        Ab?\n#i12        Ac1\n#i23        Bb1\n#i24        A?1\n");
-    EXPECT_TRUE(holds(genotypes.fresh.log(), "  into MEGA format, original population samples have been merged into \n"));
+    EXPECT_TRUE(
+        holds(genotypes.fresh.log(), "  into MEGA format, original population samples have been merged into \n"));
     EXPECT_TRUE(holds(genotypes.fresh.log(), "  The original data was of genotypic type and MEGA accepts only\n"));
     EXPECT_TRUE(holds(mega_project(out), "\t\t\ti11 1 Ab?\n\t\t\ti12 1 Ac1\n\t\t\ti23 1 Bb1\n\t\t\ti24 1 A?1\n"));
 }

@@ -1,7 +1,6 @@
-#include "translate/phylip.h"
-
 #include <gtest/gtest.h>
 
+#include "translate/phylip.h"
 #include "translate_fixture.h"
 
 using namespace tov;
@@ -31,12 +30,12 @@ TEST(PhylipReader, ReadsOneLineATaxon) {
 TEST(PhylipReader, ReadsInterleavedSequentialAndGroupedLinesAlike) {
     std::string const expected = "\t\t\tA 1 AAAACCCCGGGG\n\t\t\tB 1 AAAACCCCGGTT\n     }\n";
     for (char const* text : {
-             "2 12\nA         AAAACCCCGGGG\nB         AAAACCCCGGTT\n",                    // one line
-             "2 12\nA         AAAA CCCC GGGG\nB         AAAA CCCC GGTT\n",                // in groups
-             "2 12\nA         AAAACC\nB         AAAACC\n\nCCGGGG\nCCGGTT\n",              // interleaved, two blocks
+             "2 12\nA         AAAACCCCGGGG\nB         AAAACCCCGGTT\n",        // one line
+             "2 12\nA         AAAA CCCC GGGG\nB         AAAA CCCC GGTT\n",    // in groups
+             "2 12\nA         AAAACC\nB         AAAACC\n\nCCGGGG\nCCGGTT\n",  // interleaved, two blocks
              "2 12 I\r\nA         AAAA\r\nB         AAAA\r\n\r\nCCCC\r\nCCCC\r\nGGGG\r\nGGTT\r\n",  // three
-             "2 12\nA         AAAACC\nCCGGGG\nB         AAAACC\nCCGGTT\n",                // taxon after taxon
-             "2 12\nA         \n  AAAACCCC\n  GGGG\nB         A\nAAACCCCGGTT\n",          // names alone, uneven lines
+             "2 12\nA         AAAACC\nCCGGGG\nB         AAAACC\nCCGGTT\n",                          // taxon after taxon
+             "2 12\nA         \n  AAAACCCC\n  GGGG\nB         A\nAAACCCCGGTT\n",  // names alone, uneven lines
          }) {
         std::string const project = phylip_project(text);
         EXPECT_TRUE(project.ends_with(expected)) << text << project;
@@ -74,8 +73,9 @@ TEST(PhylipReader, ShortSequencesAndMissingTaxaMakeTheProjectFail) {
 }
 
 TEST(PhylipReader, EmptyAndGarbageFilesGiveProjectsThatFail) {
-    for (char const* text : {"", "\n", "x y\n", "2\nA         ACGT\n", "0 0\nA         ACGT\n", "-2 4\nA         ACGT\n",
-                             "99999999999999999999999 4\nA         ACGT\n", "1000000000 1000000000\nA         ACGT\n"})
+    for (char const* text :
+         {"", "\n", "x y\n", "2\nA         ACGT\n", "0 0\nA         ACGT\n", "-2 4\nA         ACGT\n",
+          "99999999999999999999999 4\nA         ACGT\n", "1000000000 1000000000\nA         ACGT\n"})
         EXPECT_TRUE(fails_when_read(phylip_project(text))) << text;
 }
 
@@ -88,8 +88,8 @@ TEST(PhylipReader, EveryProperBeginningOfAFileFails) {
 
 TEST(PhylipWriter, WritesEveryCopyBehindANameOfTenColumns) {
     Export one;
-    EXPECT_EQ(one.write(imp_exp::phylip, profile_text("DNA") + "[[Samples]]\n" +
-                                             sample_text("S", "3", "Sequence17 2 ACGT\nb 1 AC-?\n")),
+    EXPECT_EQ(one.write(imp_exp::phylip,
+                        profile_text("DNA") + "[[Samples]]\n" + sample_text("S", "3", "Sequence17 2 ACGT\nb 1 AC-?\n")),
               "3 4\nSequen1   ACGT\nSequen2   ACGT\nb3        AC-?\n");
     EXPECT_FALSE(holds(one.fresh.log(), "merged"));
 }
@@ -100,17 +100,19 @@ TEST(PhylipWriter, TellsWhatItMerges) {
                              sample_text("S", "1", "i1 1 ACGT\nACGA\n") + sample_text("T", "2", "i2 2 ACGT\nTCGA\n");
     EXPECT_EQ(two.write(imp_exp::phylip, text),
               "6 4\ni11       ACGT\ni12       ACGA\ni23       ACGT\ni24       TCGA\ni25       ACGT\ni26       TCGA\n");
-    EXPECT_TRUE(holds(two.fresh.log(), "  As it is not possible to convert files containing more than one population\n"
-                                       "  into PHYLIP format, original population samples have been merged into \n"
-                                       "  a single population.\n"));
-    EXPECT_TRUE(holds(two.fresh.log(), "  The original data was of genotypic type and PHYLIP accepts only\n"
-                                       "  haplotypic data. We have therefore made two dummy haplotypes with each\n"
-                                       "  genotype.\n"));
+    EXPECT_TRUE(holds(two.fresh.log(),
+                      "  As it is not possible to convert files containing more than one population\n"
+                      "  into PHYLIP format, original population samples have been merged into \n"
+                      "  a single population.\n"));
+    EXPECT_TRUE(holds(two.fresh.log(),
+                      "  The original data was of genotypic type and PHYLIP accepts only\n"
+                      "  haplotypic data. We have therefore made two dummy haplotypes with each\n"
+                      "  genotype.\n"));
 }
 
 TEST(PhylipWriter, ASerialNumberOfFiveDigitsLeavesLessOfTheName) {
-    std::string const out = Export().write(imp_exp::phylip, profile_text("DNA") + "[[Samples]]\n" +
-                                                                sample_text("S", "10001", "Sequence 10001 ACGT\n"));
+    std::string const out = Export().write(
+        imp_exp::phylip, profile_text("DNA") + "[[Samples]]\n" + sample_text("S", "10001", "Sequence 10001 ACGT\n"));
     EXPECT_TRUE(holds(out, "\nSequen9999ACGT\nSeque10000ACGT\nSeque10001ACGT\n"));
 }
 
@@ -121,7 +123,8 @@ TEST(PhylipRoundTrip, SequencesComeBackIdentical) {
     EXPECT_TRUE(holds(again, "h11 1 100 ? 30\n\t\t\th22 1 102 21 30\n"));
     EXPECT_TRUE(reads_cleanly(again));
 
-    std::string const sites = profile_text("STANDARD") + "[[Samples]]\n" + sample_text("S", "2", "h1 1 aB?-*\nh2 1 aC?-.\n");
+    std::string const sites =
+        profile_text("STANDARD") + "[[Samples]]\n" + sample_text("S", "2", "h1 1 aB?-*\nh2 1 aC?-.\n");
     EXPECT_TRUE(holds(phylip_project(Export().write(imp_exp::phylip, sites)), "h11 1 aB?-*\n\t\t\th22 1 aC?-.\n"));
 }
 

@@ -1,8 +1,8 @@
-#include "translate/project_text.h"
-
 #include <gtest/gtest.h>
 
 #include <sstream>
+
+#include "translate/project_text.h"
 
 using namespace tov;
 
@@ -32,9 +32,7 @@ TEST(EntryName, BlanksDropOutAndSpecialCharactersBecomeUnderlines) {
     EXPECT_EQ(entry_name("\xe9t\xe9", "x"), "\xe9t\xe9");
 }
 
-TEST(QuotedText, QuotesPoundSignsAndControlsBecomeBlanks) {
-    EXPECT_EQ(quoted_text("a \"b\" #1\t"), "a  b   1 ");
-}
+TEST(QuotedText, QuotesPoundSignsAndControlsBecomeBlanks) { EXPECT_EQ(quoted_text("a \"b\" #1\t"), "a  b   1 "); }
 
 TEST(DataText, CharactersThatEndALineOrABlockBreakData) {
     EXPECT_TRUE(breaks_data("AC#T"));

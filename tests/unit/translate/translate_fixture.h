@@ -1,8 +1,8 @@
 // Translations as text: foreign file to project, project to foreign file.
 #pragma once
 
-#include <functional>
 #include <fstream>
+#include <functional>
 #include <memory>
 #include <sstream>
 #include <string>
