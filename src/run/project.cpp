@@ -1,20 +1,22 @@
 // Project: life, file names, emptying, back-ups.
 #include "run/project.h"
-#include "structure/amova_results.h"
 
 #include <cstdio>
 #include <fstream>
 #include <new>
 
 #include "base/dmat.h"
+#include "base/scoped_swap.h"
 #include "input/settings.h"
 #include "model/alldb.h"
 #include "model/hapldb.h"
 #include "model/sample.h"
 #include "model/struct.h"
+#include "output/xml.h"
 #include "run/errors.h"
 #include "run/paths.h"
 #include "run/run_state.h"
+#include "structure/amova_results.h"
 #include "structure/mantel.h"
 
 namespace tov {
@@ -70,9 +72,19 @@ int Project::write() {
         E.error(ErrorType::Error, "Project::write()", 133);
         return 0;
     }
-    if ((DataType == DNA || DataType == RFLP) && LocusSeparator == 0)
-        out << p_pro() << *haplotypes_ << *distances_ << *samples_ << *structure_;
-    return 1;
+    unify_definitions();
+    // The samples hold counts, and a tag of a result document would end the matrix.
+    ScopedSwap<int> const counts(Frequency, 0);
+    ScopedSwap<bool> const plain(xmlOutput, false);
+    out << p_pro() << *haplotypes_;
+    // Distances that the data give need no place in the project.
+    if (!distances_->conventional_fst()) out << *distances_;
+    out << *samples_;
+    if (structure_->nb_groups() > 0) out << *structure_;
+    out.flush();
+    if (out.good()) return 1;
+    E.error(ErrorType::Error, "Project::write()", 133);
+    return 0;
 }
 
 void Project::save_associated_set() { settings_->print_settings(without_extension(settings::input_file) + ".tvs"); }

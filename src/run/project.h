@@ -51,7 +51,8 @@ public:
     // --- Names (project.cpp) ---
     /// Derives the result name (.htm), the back-up name (.bac) and the project's directory from settings::input_file.
     void build_res_bac_names();
-    /// Backs the project up into the `.bac` file; does nothing unless `backup_allowed`. @return 1, or 0 after code 133.
+    /// Backs the project up into the `.bac` file, sites without a separator, and nothing unless `backup_allowed`. The
+    /// file can be opened as a project. @return 1, or 0 after code 133.
     int write();
     /// Writes the settings into `<project>.tvs`.
     void save_associated_set();
