@@ -21,7 +21,7 @@
 namespace tov {
 namespace {
 
-constexpr int most_fields = 10000;
+constexpr std::size_t most_fields = 10000;
 constexpr std::string_view byte_order_mark = "\xef\xbb\xbf";
 
 /// A line that begins a sample. Among the names of the loci only the word alone counts.
@@ -40,24 +40,43 @@ bool read_title(std::istream& in, std::string& title) {
     return true;
 }
 
-/// Number of individuals of each sample.
-std::vector<long> count_individuals(std::istream& in) {
-    std::vector<long> sizes;
-    std::string line;
-    if (!read_title(in, line)) return sizes;
-    while (read_content_line(in, line)) {
-        if (begins_sample(line, !sizes.empty()))
-            sizes.push_back(0);
-        else if (!sizes.empty() && holds_individual(line))
-            ++sizes.back();
+/// Names of loci in a line: parted by commas, or the line is one.
+std::size_t count_names(std::string_view text) {
+    std::size_t names = 0;
+    for (;;) {
+        std::size_t const comma = text.find(',');
+        if (!trimmed(text.substr(0, comma)).empty()) ++names;
+        if (comma == std::string_view::npos) return names;
+        text.remove_prefix(comma + 1);
     }
-    return sizes;
+}
+
+/// What a file holds, before its genotypes are read.
+struct Counts {
+    std::size_t loci = 0;     ///< names in front of the first sample
+    std::vector<long> sizes;  ///< individuals of each sample
+};
+
+Counts count(std::istream& in) {
+    Counts counts;
+    std::string line;
+    if (!read_title(in, line)) return counts;
+    while (read_content_line(in, line)) {
+        if (begins_sample(line, !counts.sizes.empty()))
+            counts.sizes.push_back(0);
+        else if (counts.sizes.empty())
+            counts.loci += count_names(line);
+        else if (holds_individual(line))
+            ++counts.sizes.back();
+    }
+    return counts;
 }
 
 /// One individual while its lines are read.
 class Individual {
 public:
-    explicit Individual(bool diploid) : diploid_(diploid) {}
+    /// @param loci  that each individual has at least.
+    Individual(bool diploid, std::size_t loci) : diploid_(diploid), loci_(loci) {}
 
     void begin(std::string_view name) {
         name_ = entry_name(name, "noname");
@@ -81,15 +100,21 @@ public:
     void write(std::ostream& project) {
         if (!open_) return;
         open_ = false;
+        if (fields_ < loci_)
+            faults_ += "# error: " + name_ + " has " + std::to_string(fields_) + " fields for " +
+                       std::to_string(loci_) + " loci\n";
         project << faults_;
         // Haplotypes of one name have one definition; names of individuals may repeat.
         if (!diploid_) name_ = names_.for_content(name_, first_);
         project << name_ << "   1  ";
         first_ += '\n';
         project.write(first_.data(), static_cast<std::streamsize>(first_.size()));
-        if (!diploid_) return;
-        second_ += '\n';
-        project.write(second_.data(), static_cast<std::streamsize>(second_.size()));
+        if (diploid_) {
+            second_ += '\n';
+            project.write(second_.data(), static_cast<std::streamsize>(second_.size()));
+        }
+        // An individual that lacks a locus, as all others may do too, would pass for a good one.
+        if (!faults_.empty()) project << unreadable_entry;
     }
 
     [[nodiscard]] bool open() const { return open_; }
@@ -98,12 +123,9 @@ private:
     void add_field(std::string_view field) {
         if (fields_++ >= most_fields) {
             if (fields_ == most_fields + 1) faults_ += "# error in definition of allele : more than 10000 fields\n";
-            // Without its other loci an individual would pass for a good one.
-            if (fields_ == most_fields + 1) faults_ += unreadable_entry;
             return;
         }
-        bool const digits = std::all_of(field.begin(), field.end(), [](char c) { return c >= '0' && c <= '9'; });
-        if (!digits || (field.size() != 4 && field.size() != 6)) {
+        if (!holds_two_alleles(field)) {
             faults_ += "# error in definition of allele ";
             faults_ += field;
             faults_ += '\n';
@@ -112,6 +134,22 @@ private:
         std::size_t const half = field.size() / 2;
         add_allele(first_, field.substr(0, half));
         if (diploid_) add_allele(second_, field.substr(half));
+    }
+
+    /// Four or six digits, as many as the locus has elsewhere: a field that was cut off is no other pair of alleles.
+    /// Missing genotypes are zeros of either length.
+    bool holds_two_alleles(std::string_view field) {
+        if (field.size() != 4 && field.size() != 6) return false;
+        bool zeros = true;
+        for (char const c : field) {
+            if (c < '0' || c > '9') return false;
+            zeros &= c == '0';
+        }
+        if (zeros) return true;
+        if (lengths_.size() < fields_) lengths_.resize(fields_);
+        std::uint8_t& length = lengths_[fields_ - 1];
+        if (length == 0) length = static_cast<std::uint8_t>(field.size());
+        return length == field.size();
     }
 
     static void add_allele(std::string& line, std::string_view allele) {
@@ -123,13 +161,15 @@ private:
     }
 
     bool diploid_;
+    std::size_t loci_;
     bool open_ = false;
     std::string name_;
     std::string first_;
     std::string second_;
     std::string faults_;  // lines that stand before the individual
-    int fields_ = 0;
+    std::size_t fields_ = 0;
     HaplotypeNames names_;
+    std::vector<std::uint8_t> lengths_;  // digits of a field by locus, over all individuals; 0 when not yet known
 };
 
 void write_profile(std::ostream& project, std::string const& title, std::size_t samples, bool diploid) {
@@ -144,7 +184,7 @@ void write_profile(std::ostream& project, std::string const& title, std::size_t 
 
 /// Opens sample number `number`, which has `size` individuals.
 void open_sample(std::ostream& project, std::size_t number, long size) {
-    project << (number == 1 ? "\t\t SampleName= \"Population" : "\t\t SampleName=\"Population") << number << "\"\n";
+    project << "\t\t SampleName= \"Population" << number << "\"\n";
     // kept on purpose: the first comment has one blank more, and one at its end; files are compared by their lines.
     project << "\t\t SampleSize=100"
             << (number == 1 ? "  #Wrong on purpose,  but it does not matter here \n"
@@ -153,29 +193,35 @@ void open_sample(std::ostream& project, std::size_t number, long size) {
     project << "\t\t SampleSize=" << size << "\n\t\t SampleData={\n";
 }
 
-constexpr char sample_end[] = "     }\n";
+/// Closes it.
+void close_sample(std::ostream& project, std::size_t number, long size) {
+    // A file that ends behind a "Pop" was cut off.
+    if (size == 0) mark_unreadable(project, "Population" + std::to_string(number) + " has no individuals");
+    project << "     }\n";
+}
 
 }  // namespace
 
 void genepop_to_project(std::istream& in, bool diploid, std::ostream& project) {
-    std::vector<long> const sizes = count_individuals(in);
+    Counts const counts = count(in);
+    std::vector<long> const& sizes = counts.sizes;
     in.clear();
     in.seekg(0);
     std::string line;
     if (!read_title(in, line)) line.clear();
     write_profile(project, line, sizes.size(), diploid);
     project << "# The names of the loci taken from the GenePop file are listed below as comments\n";
-    while (read_content_line(in, line) && !begins_sample(line, false)) project << "# " << line << '\n';
+    while (read_foreign_line(in, line) && !begins_sample(line, false)) project << "# " << line << '\n';
     project << "[Data]\n\t [[Samples]]\n";
     if (sizes.empty()) return;
 
     std::size_t number = 1;
     open_sample(project, number, sizes[0]);
-    Individual individual(diploid);
+    Individual individual(diploid, std::min(counts.loci, most_fields));
     while (read_content_line(in, line)) {
         if (begins_sample(line, true)) {
             individual.write(project);
-            project << sample_end;
+            close_sample(project, number, sizes[number - 1]);
             if (number >= sizes.size()) return;  // the file has grown since it was counted
             open_sample(project, number + 1, sizes[number]);
             ++number;
@@ -193,7 +239,7 @@ void genepop_to_project(std::istream& in, bool diploid, std::ostream& project) {
         individual.add_fields(fields);
     }
     individual.write(project);
-    project << sample_end;
+    close_sample(project, number, sizes[number - 1]);
 }
 
 // --- Writing ---

@@ -103,7 +103,7 @@ TEST(GenepopReader, OpensEverySampleWithItsComment) {
                       "\t\t SampleName= \"Population1\"\n\t\t SampleSize=100  #Wrong on purpose,  but it does "
                       "not matter here \n\t\t SampleSize=2\n\t\t SampleData={\n"));
     EXPECT_TRUE(holds(project,
-                      "     }\n\t\t SampleName=\"Population2\"\n\t\t SampleSize=100  #Wrong on purpose, but it "
+                      "     }\n\t\t SampleName= \"Population2\"\n\t\t SampleSize=100  #Wrong on purpose, but it "
                       "does not matter here\n\t\t SampleSize=1\n\t\t SampleData={\n"));
     EXPECT_TRUE(project.ends_with("     }\n"));
 }
@@ -128,6 +128,57 @@ TEST(GenepopReader, AFieldOfFiveDigitsGivesACommentAndNoAllele) {
     std::string const project = genepop_project("t\nL1\nL2\nPop\nA1, 01010 0202\nA2, 0101 0202\n");
     EXPECT_TRUE(holds(project, "# error in definition of allele 01010\nA1   1  02 \n02 \n"));
     EXPECT_TRUE(fails_when_read(project));
+}
+
+TEST(GenepopReader, EveryLineInFrontOfTheFirstSampleIsAComment) {
+    EXPECT_TRUE(holds(genepop_project("t\nL1\n\n [Data] # \nPop\nA1, 0101 0102\n"), "# L1\n# \n#  [Data] #\n[Data]\n"));
+}
+
+TEST(GenepopReader, AFaultThatAllIndividualsShareMakesTheProjectFail) {
+    for (char const* text : {"t\nL1\nL2\nPop\nA1, 01010 0202\nA2, 01010 0202\n",
+                             "t\nL1\nL2\nPop\nA1, 0101 02\nA2, 0101 03\n", "t\nL1\nPop\nA1, 0101 x\n"}) {
+        EXPECT_TRUE(holds(genepop_project(text), "# error in definition of allele ")) << text;
+        EXPECT_TRUE(fails_when_read(genepop_project(text))) << text;
+        EXPECT_TRUE(fails_when_read(genepop_project(text, false))) << text;
+    }
+}
+
+TEST(GenepopReader, AFieldOfTwoOrThreeDigitsIsNoPairOfAlleles) {
+    for (char const* field : {"01", "001", "1", "00101", "0010011"}) {
+        std::string const project = genepop_project("t\nL1\nL2\nPop\nA1, 0101 " + std::string(field) + "\n", false);
+        EXPECT_TRUE(holds(project, "# error in definition of allele " + std::string(field) + "\nA1   1  01 \n"))
+            << field;
+        EXPECT_TRUE(fails_when_read(project)) << field;
+    }
+}
+
+TEST(GenepopReader, AFieldShorterThanThoseOfItsLocusIsAnError) {
+    std::string const project = genepop_project("t\nL1\nL2\nPop\nA1, 135143 0101\nA2, 1351 0102\n");
+    EXPECT_TRUE(holds(project, "# error in definition of allele 1351\nA2   1  01 \n02 \n"));
+    EXPECT_TRUE(fails_when_read(project));
+}
+
+TEST(GenepopReader, LociMayDifferInTheirDigitsAndMissingGenotypesInTheirZeros) {
+    std::string const project = genepop_project("t\nL1\nL2\nPop\nA1, 0000 000000\nA2, 135143 0101\nA3, 0000 000000\n");
+    EXPECT_TRUE(holds(project, "A1   1  ? ? \n? ? \nA2   1  135 01 \n143 01 \nA3   1  ? ? \n? ? \n"));
+    EXPECT_TRUE(reads_cleanly(project));
+}
+
+TEST(GenepopReader, AnIndividualWithFewerFieldsThanNamedLociIsAnError) {
+    for (char const* names : {"L1\nL2\nL3\n", "L1,L2 , L3,\n", "L1\nL2, L3\n"}) {
+        std::string const text = "t\n" + std::string(names) + "Pop\nA1, 0101 0102";
+        EXPECT_TRUE(holds(genepop_project(text), "# error: A1 has 2 fields for 3 loci\n")) << names;
+        EXPECT_TRUE(fails_when_read(genepop_project(text))) << names;
+        EXPECT_TRUE(reads_cleanly(genepop_project(text + " 0101"))) << names;
+    }
+    EXPECT_TRUE(reads_cleanly(genepop_project("t\nall names of loci on one line\nPop\nA1, 0101 0102\n")));
+}
+
+TEST(GenepopReader, ASampleWithoutIndividualsMakesTheProjectFail) {
+    for (char const* text : {"t\nL1\nPop\nA1, 0101\nPop", "t\nL1\nPop\nPop\nA1, 0101\n", "t\nL1\nPop\n"}) {
+        EXPECT_TRUE(holds(genepop_project(text), " has no individuals\n ***** ERROR *****\n     }\n")) << text;
+        EXPECT_TRUE(fails_when_read(genepop_project(text))) << text;
+    }
 }
 
 TEST(GenepopReader, WordsThatAreNoDigitsGiveAComment) {
@@ -173,12 +224,30 @@ TEST(GenepopReader, EmptyAndHeadlessFilesGiveProjectsThatFail) {
     }
 }
 
-TEST(GenepopReader, EveryBeginningOfAFileIsSurvived) {
-    std::string const text = "t\nL1\nL2\nPop\nA1, 0101 0203\nA2, 0102 0000\nPop\nB1, 010103 020201\n";
-    for (std::size_t length = 0; length <= text.size(); ++length) {
-        std::string const part = text.substr(0, length);
-        EXPECT_TRUE(genepop_project(part).starts_with("[Profile]"));
-        EXPECT_TRUE(genepop_project(part, false).starts_with("[Profile]"));
+// Six digits that were cut to four are seen once their locus is known, from the second individual on.
+TEST(GenepopReader, ABeginningOfAFileFailsUnlessItEndsBehindAnIndividual) {
+    for (std::string const text :
+         {"t\nL1\nL2\nPop\nA1, 0101 0203\nA2, 0102\n 0001\nPop\nB1, 0103 0201",
+          "t\nL1, L2\npop\nA1,135143 136146\nA2,\t133135\n\t146146\npop\nB1 , 000000 136136"}) {
+        std::vector<Sample> const whole = parse(text);
+        for (std::size_t length = 0; length <= text.size(); ++length) {
+            std::string const part = text.substr(0, length);
+            for (bool const diploid : {false, true}) {
+                std::string const project = genepop_project(part, diploid);
+                EXPECT_TRUE(project.starts_with("[Profile]"));
+                if (!reads_cleanly(project)) {
+                    EXPECT_LT(length, text.size()) << project;
+                    EXPECT_TRUE(fails_when_read(project)) << project;
+                    continue;
+                }
+                std::vector<Sample> const some = parse(part);
+                ASSERT_FALSE(some.empty()) << part;
+                if (some[0].size() == 1 && text.find('\n', length) == text.find('\n', text.find("A1"))) continue;
+                for (std::size_t s = 0; s < some.size(); ++s)
+                    for (std::size_t i = 0; i < some[s].size(); ++i)
+                        EXPECT_EQ(some[s][i].loci, whole[s][i].loci) << part;
+            }
+        }
     }
 }
 
