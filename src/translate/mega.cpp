@@ -30,7 +30,9 @@ struct MegaFile {
     std::string title;
     std::vector<MegaTaxon> taxa;
     char missing = '?';
-    char identical = '\0';  ///< 0: none declared
+    char identical = '\0';    ///< 0: none declared
+    long declared_taxa = 0;   ///< 0: none declared
+    long declared_sites = 0;  ///< likewise
     bool distances = false;
     bool upper_triangle = false;
 };
@@ -50,15 +52,24 @@ std::string without_brackets(std::string_view text) {
     return kept;
 }
 
-/// The character given to a word of a command: "missing=N", blanks around '=' allowed. 0 without one.
-char character_of(std::string_view command, std::string_view word) {
+/// What is given to a word of a command: "missing=N", blanks around '=' allowed. Empty without the word.
+std::string_view value_of(std::string_view command, std::string_view word) {
     std::string const upper = upper_case(command);
     std::size_t at = upper.find(word);
-    if (at == std::string::npos) return '\0';
+    if (at == std::string::npos) return {};
     at = command.find_first_not_of(" \t\r\n", at + word.size());
-    if (at == std::string_view::npos || command[at] != '=') return '\0';
-    at = command.find_first_not_of(" \t\r\n", at + 1);
-    return at == std::string_view::npos ? '\0' : command[at];
+    if (at == std::string_view::npos || command[at] != '=') return {};
+    std::string_view rest = command.substr(at + 1);
+    return next_token(rest);
+}
+
+void take_character(std::string_view command, std::string_view word, char& character) {
+    if (std::string_view const value = value_of(command, word); !value.empty()) character = value.front();
+}
+
+void take_number(std::string_view command, std::string_view word, long& number) {
+    if (double value = 0.0; parse_number(value_of(command, word), value) && value > 0.0 && value < 1e9)
+        number = static_cast<long>(value);
 }
 
 /// Reads a file piece by piece: title, commands, taxa.
@@ -102,8 +113,11 @@ private:
         if (contains_word(command.substr(0, 6), "!TITLE")) {
             file_.title = trimmed(std::string_view(command).substr(6));
         } else if (contains_word(command.substr(0, 7), "!FORMAT")) {
-            if (char const c = character_of(command, "MISSING")) file_.missing = c;
-            if (char const c = character_of(command, "IDENTICAL")) file_.identical = c;
+            take_character(command, "MISSING", file_.missing);
+            take_character(command, "IDENTICAL", file_.identical);
+            take_number(command, "NSEQS", file_.declared_taxa);
+            take_number(command, "NTAXA", file_.declared_taxa);
+            take_number(command, "NSITES", file_.declared_sites);
             file_.distances |= contains_word(command, "DISTANCE");
             file_.upper_triangle |= contains_word(command, "UPPERRIGHT");
         }
@@ -183,15 +197,13 @@ bool fills_triangle(std::size_t taxa, std::size_t numbers, bool& diagonal) {
     return taxa > 0 && taxa < 100000 && (diagonal || numbers == taxa * (taxa - 1) / 2);
 }
 
-/// A matrix when it is declared, or when the file reads like one: some name has nothing behind it, and all else are
-/// as many numbers as a triangle has.
+/// A matrix when it is declared, or when the file reads like one: the first name has nothing behind it, and all else
+/// are as many numbers as a lower triangle has.
 bool is_matrix(MegaFile const& file) {
     if (file.distances) return true;
-    bool const bare_name =
-        std::any_of(file.taxa.begin(), file.taxa.end(), [](MegaTaxon const& taxon) { return taxon.text.empty(); });
     std::vector<std::string_view> numbers;
     bool diagonal = false;
-    return file.taxa.size() > 1 && bare_name && distances_of(file, numbers) &&
+    return file.taxa.size() > 1 && file.taxa.front().text.empty() && distances_of(file, numbers) &&
            fills_triangle(file.taxa.size(), numbers.size(), diagonal);
 }
 
@@ -250,12 +262,18 @@ void write_entries(std::ostream& project, MegaFile const& file, bool matrix) {
             project << "\t\t\t" << taxon.name << " 1 \n";
         else if (taxon.text.empty())
             mark_unreadable(project, taxon.name + " has no sequence");
+        else if (file.declared_sites > 0 && taxon.text.size() != static_cast<std::size_t>(file.declared_sites))
+            mark_unreadable(project, taxon.name + " has " + std::to_string(taxon.text.size()) + " sites instead of " +
+                                         std::to_string(file.declared_sites));
         else if (breaks_data(taxon.text))
             mark_unreadable(project, taxon.name + " has a character that a project can't hold");
         else
             project << "\t\t\t" << taxon.name << " 1 " << taxon.text << '\n';
     }
     if (file.taxa.empty()) mark_unreadable(project, "no sequence was found");
+    if (file.declared_taxa > 0 && file.taxa.size() != static_cast<std::size_t>(file.declared_taxa))
+        mark_unreadable(project, std::to_string(file.declared_taxa) + " taxa are declared, and " +
+                                     std::to_string(file.taxa.size()) + " found");
 }
 
 }  // namespace
@@ -287,13 +305,37 @@ void mega_to_project(std::istream& in, std::string const& source, std::ostream& 
 
 namespace {
 
+/// Brackets hold comments in a Mega file, and braces a group.
+bool has_meaning(char c) { return c == '[' || c == ']' || c == '{' || c == '}'; }
+
 bool single_characters(TAlleleDB const& alleles, int loci) {
     for (int l = 0; l < loci; ++l) {
         TLocus const* const locus = alleles.locus(l);
-        for (int a = 0; locus && a < locus->nb_alleles(); ++a)
-            if (!is_unused_blank(*locus, a) && locus->allele(a)->name().length() != 1) return false;
+        for (int a = 0; locus && a < locus->nb_alleles(); ++a) {
+            if (is_unused_blank(*locus, a)) continue;
+            std::string_view const name = locus->allele(a)->name();
+            if (name.size() != 1 || has_meaning(name.front())) return false;
+        }
     }
     return loci > 0;
+}
+
+std::string mega_text(std::string_view text) {
+    std::string plain(text);
+    std::replace_if(plain.begin(), plain.end(), has_meaning, '_');
+    return plain;
+}
+
+/// At most six characters of the name and the number, in a column that no other copy has: one name is one taxon.
+std::string mega_name(std::string_view name, std::int64_t number) {
+    constexpr std::size_t longest_name = 6;
+    constexpr std::size_t width = 10;
+    std::string text = mega_text(name.substr(0, longest_name));
+    // "h1" and 1 would be "h" and 11.
+    if (!text.empty() && text.back() >= '0' && text.back() <= '9') text += '_';
+    text += std::to_string(number);
+    text.resize(std::max(width, text.size()), ' ');
+    return text;
 }
 
 }  // namespace
@@ -306,13 +348,13 @@ bool write_mega(Project& project, std::ostream& out) {
         return false;
     }
     log_merging_notes(project, "MEGA");
-    out << "#mega\nTITLE:" << project.title << '\n';
+    out << "#mega\nTITLE:" << mega_text(project.title.str()) << '\n';
     std::int64_t number = 0;
     for (Population const* const sample : project.p_sam().populations.view())
         for_each_entry(*sample, [&](ExportEntry const& entry) {
             for (std::int64_t i = 0; i < entry.copies; ++i)
                 for (int c = 0; c < entry.chromosomes; ++c)
-                    out << '#' << name_column(entry.name, ++number) << ' '
+                    out << '#' << mega_name(entry.name, ++number) << ' '
                         << without_separator(exported_definition(project, entry.texts[c]), project.LocusSeparator)
                         << '\n';
         });

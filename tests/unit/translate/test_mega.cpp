@@ -94,6 +94,25 @@ TEST(MegaReader, DigitsAreSequencesUnlessATriangleIsToldOrPlain) {
     EXPECT_TRUE(holds(mega_project("#mega\n#A 0101\n#B 0011\n#C 1111\n"), "\t\t\tA 1 0101\n"));
 }
 
+TEST(MegaReader, ATriangleThatIsNotToldBeginsWithABareName) {
+    // Cut off behind the second name, this would read as the distance 101.
+    EXPECT_TRUE(fails_when_read(mega_project("#mega\nTITLE: t\n#A 0101\n#B")));
+    EXPECT_TRUE(fails_when_read(mega_project("#mega\nTITLE: t\n#A 0.5 1.5\n#B 2.25\n#C\n")));
+}
+
+TEST(MegaReader, DeclaredNumbersMustBeFound) {
+    std::string const format = "#mega\n!Title t;\n!Format DataType=DNA NSeqs=2 NSites=4;\n";
+    EXPECT_TRUE(reads_cleanly(mega_project(format + "#A ACGT\n#B ACGA\n")));
+    std::string const one = mega_project(format + "#A ACGT\n");
+    EXPECT_TRUE(holds(one, "# error: 2 taxa are declared, and 1 found\n ***** ERROR *****\n"));
+    EXPECT_TRUE(fails_when_read(one));
+    std::string const shorter = mega_project(format + "#A ACG\n#B ACG\n");
+    EXPECT_TRUE(holds(shorter, "# error: A has 3 sites instead of 4\n ***** ERROR *****\n"));
+    EXPECT_TRUE(fails_when_read(shorter));
+    EXPECT_TRUE(fails_when_read(mega_project("#mega\n!Format DataType=Distance NTaxa=3;\n#A\n#B\n1\n")));
+    EXPECT_TRUE(reads_cleanly(mega_project("#mega\n!Format NSeqs=x NSites=-1;\n#A ACG\n#B ACG\n")));
+}
+
 TEST(MegaReader, BadFilesGiveProjectsThatFail) {
     for (char const* text : {"", "\n", "#mega\n", "ACGT\nACGT\n", "#mega\n#A ACGT\n#B ACG\n", "#mega\n#A\n#B ACGT\n",
                              "#mega\n#A AC}T\n", "#mega\n!Format DataType=Distance;\n#A\n#B x\n",
@@ -114,6 +133,28 @@ TEST(MegaWriter, WritesEveryCopyBehindItsName) {
               "#mega\nTITLE:t\n#Sequen1    ACGT\n#Sequen2    ACGT\n#b3         AC-?\n");
 }
 
+TEST(MegaWriter, NoTwoCopiesShareAName) {
+    std::string const out = Export().write(
+        imp_exp::mega, profile_text("DNA") + "[[Samples]]\n" + sample_text("S", "12", "h1 1 ACGT\nh 11 ACGA\n"));
+    EXPECT_TRUE(holds(out, "#h1_1       ACGT\n#h2         ACGA\n"));
+    EXPECT_TRUE(holds(out, "#h11        ACGA\n#h12        ACGA\n"));
+    EXPECT_TRUE(reads_cleanly(mega_project(out)));
+}
+
+TEST(MegaWriter, BracketsAndBracesDoNotBecomeComments) {
+    std::string project = profile_text("DNA") + "[[Samples]]\n" + sample_text("S", "2", "h[x 1 ACGT\nh]y 1 ACGA\n");
+    project.replace(project.find("\"t\""), 3, "\"a [b] c\"");
+    std::string const out = Export().write(imp_exp::mega, project);
+    EXPECT_EQ(out, "#mega\nTITLE:a _b_ c\n#h_x1       ACGT\n#h_y2       ACGA\n");
+    EXPECT_TRUE(reads_cleanly(mega_project(out)));
+
+    Export brackets;
+    EXPECT_EQ(
+        brackets.write(imp_exp::mega, profile_text("STANDARD") + "[[Samples]]\n" + sample_text("S", "1", "h 1 A[C\n")),
+        "");
+    EXPECT_TRUE(holds(brackets.fresh.log(), "  Impossible to write this data into MEGA format, because each\n"));
+}
+
 TEST(MegaWriter, RefusesAllelesOfSeveralCharacters) {
     Export words;
     EXPECT_EQ(words.write(imp_exp::mega, profile_text("MICROSAT", 1, "WHITESPACE") + "[[Samples]]\n" +
@@ -130,9 +171,9 @@ TEST(MegaRoundTrip, SequencesAndWordsOfOneCharacterComeBack) {
                              sample_text("S", "1", "i1 1 A b ?\nA c 1\n") +
                              sample_text("T", "1", "i2 1 B b 1\nA ? 1\n");
     std::string const out = genotypes.write(imp_exp::mega, text);
-    EXPECT_EQ(out, "#mega\nTITLE:t\n#i11        Ab?\n#i12        Ac1\n#i23        Bb1\n#i24        A?1\n");
+    EXPECT_EQ(out, "#mega\nTITLE:t\n#i1_1       Ab?\n#i1_2       Ac1\n#i2_3       Bb1\n#i2_4       A?1\n");
     EXPECT_TRUE(
         holds(genotypes.fresh.log(), "  into MEGA format, original population samples have been merged into \n"));
     EXPECT_TRUE(holds(genotypes.fresh.log(), "  The original data was of genotypic type and MEGA accepts only\n"));
-    EXPECT_TRUE(holds(mega_project(out), "\t\t\ti11 1 Ab?\n\t\t\ti12 1 Ac1\n\t\t\ti23 1 Bb1\n\t\t\ti24 1 A?1\n"));
+    EXPECT_TRUE(holds(mega_project(out), "\t\t\ti1_1 1 Ab?\n\t\t\ti1_2 1 Ac1\n\t\t\ti2_3 1 Bb1\n\t\t\ti2_4 1 A?1\n"));
 }
