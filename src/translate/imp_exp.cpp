@@ -167,6 +167,7 @@ void imp_exp::read_zentara() {
     source.directory = directory_of(source_);
     source.matrix_file = zentara_matrix;
     source.structure_file = zentara_structure;
+    source.directory_in_names = !directory_of(target_).empty();
     source.open = [](std::string const& path) -> std::unique_ptr<std::istream> {
         auto file = std::make_unique<std::ifstream>(path);
         if (!file->is_open()) return nullptr;
@@ -177,20 +178,24 @@ void imp_exp::read_zentara() {
 
 namespace {
 
-/// Lets the external files of a copied project be found from the copy: a bare name gets the directory of the project.
-void rewrite_external_names(std::string const& project, std::string const& directory) {
+/// Lets the external file that a line of a copied project names be found from the copy: a bare name gets the directory
+/// of the project. @return true when the line was changed.
+bool keep_external_name(std::string& line, std::string const& directory) {
+    if (!contains_word_outside_quotes(line, "EXTERN")) return false;
+    std::size_t const open = line.find('"');
+    std::size_t const close = open == std::string::npos ? open : line.find('"', open + 1);
+    if (close == std::string::npos || detectFullPathInFileName(my_string(line.substr(open + 1, close - open - 1))))
+        return false;
+    line.insert(open + 1, directory.empty() ? "./" : directory);
+    return true;
+}
+
+/// The same for all lines of a project.
+void keep_external_names(std::string const& project, std::string const& directory) {
     std::ifstream in(project);
     std::string text;
     bool changed = false;
-    for (std::string line; std::getline(in, line); text += line + '\n') {
-        if (!contains_word_outside_quotes(line, "EXTERN")) continue;
-        std::size_t const open = line.find('"');
-        std::size_t const close = open == std::string::npos ? open : line.find('"', open + 1);
-        if (close == std::string::npos || detectFullPathInFileName(my_string(line.substr(open + 1, close - open - 1))))
-            continue;
-        line.insert(open + 1, directory.empty() ? "./" : directory);
-        changed = true;
-    }
+    for (std::string line; std::getline(in, line); text += line + '\n') changed |= keep_external_name(line, directory);
     in.close();
     if (changed) std::ofstream(project, std::ios::trunc) << text;
 }
@@ -207,7 +212,7 @@ void imp_exp::read_tovenia() {
     cleaned.execute(project->LocusSeparator, source_.c_str());
     my_string const* const copy = cleaned.get_clean_proj();
     if (copy && file_opens(copy->str()) && MY_CopyFile(copy->c_str(), target_.c_str())) {
-        rewrite_external_names(target_, directory_of(source_));
+        keep_external_names(target_, directory_of(source_));
     } else {
         *_AOS_ << "\nAn error has occurred while cleaning-up the project...\n" << source_ << '\n';
     }
@@ -324,7 +329,10 @@ void imp_exp::write_zentara() {
 void imp_exp::write_tovenia() {
     std::ifstream in(source_);
     if (!in.is_open()) return;
+    std::string const directory = directory_of(source_);
+    bool const elsewhere = !same_place(directory + ".", directory_of(target_) + ".");
     for (std::string line; std::getline(in, line);) {
+        if (elsewhere) keep_external_name(line, directory);
         line += '\n';
         out_->write(line.data(), static_cast<std::streamsize>(line.size()));
     }

@@ -1,6 +1,7 @@
 // Zentara files: reader and writer.
 #include "translate/zentara.h"
 
+#include <charconv>
 #include <fstream>
 #include <istream>
 #include <ostream>
@@ -23,6 +24,12 @@
 
 namespace tov {
 namespace {
+
+/// The shortest text that reads as the same number.
+std::string exact_text(double value) {
+    char text[32];
+    return {text, std::to_chars(text, text + sizeof text, value).ptr};
+}
 
 constexpr std::string_view part_marker = "+++";
 constexpr char matrix_name[] = "dist_mat.dis";
@@ -47,6 +54,7 @@ struct ZentaraFile {
     Part populations;
     std::string matrix;
     std::vector<Part> groups;
+    bool structure_lost = false;  ///< the file that should complete the structure can't be opened
 };
 
 void keep_groups(std::vector<Part>& groups, std::vector<Part>& parts, std::size_t first) {
@@ -67,6 +75,8 @@ ZentaraFile read_file(std::istream& in, ZentaraSource const& source) {
         if (auto const structure = source.open(source.directory + source.structure_file)) {
             parts = read_parts(*structure);
             keep_groups(file.groups, parts, 0);
+        } else {
+            file.structure_lost = true;
         }
     }
     return file;
@@ -87,7 +97,8 @@ std::size_t matrix_size(std::string const& path, ZentaraSource const& source) {
 
 void write_matrix_section(std::ostream& project, ZentaraFile const& file, ZentaraSource const& source) {
     if (file.matrix.empty()) return;
-    std::string const path = has_directory(file.matrix) ? file.matrix : source.directory + file.matrix;
+    std::string path = has_directory(file.matrix) ? file.matrix : source.directory + file.matrix;
+    if (source.directory_in_names && !has_directory(path)) path.insert(0, "./");
     project << "\n\t\t[[DistanceMatrix]] \n"
             << "\t\t     MatrixName=\"Generic Distmat\"\n"
             << "\t\t     MatrixSize=" << matrix_size(path, source) << '\n'
@@ -124,11 +135,17 @@ void write_sample(std::ostream& project, std::string const& name, ZentaraSource 
         read_population(*in, data, sum);
     else
         data = "****ERROR**** Population " + name + " not found\n";
-    project << "\t\t SampleName=\"" << quoted_text(name) << "\"\n\t\t SampleSize=" << sum << "\n\t\t SampleData={\n"
+    project << "\t\t SampleName=\"" << quoted_text(name) << "\"\n\t\t SampleSize=" << exact_text(sum)
+            << "\n\t\t SampleData={\n"
             << data << "\t\t }\n";
 }
 
-void write_structure_section(std::ostream& project, ZentaraFile const& file) {
+void write_structure_section(std::ostream& project, ZentaraFile const& file, ZentaraSource const& source) {
+    if (file.structure_lost) {
+        project << "     [[Structure]]\n     \tNbGroups=1\n\t\tGroup={\n****ERROR**** Structure "
+                << source.structure_file << " not found\n}\n";
+        return;
+    }
     if (file.groups.empty()) return;
     project << "     [[Structure]]\n     \tStructureName=\"Generic structure\"\n     \tNbGroups=" << file.groups.size()
             << "\n     \tIndividualLevel=0\n\t\tGroup={\n";
@@ -153,7 +170,7 @@ void zentara_to_project(std::istream& in, ZentaraSource const& source, std::ostr
     write_matrix_section(project, file, source);
     project << "\n\t [[Samples]]\n";
     for (std::string const& name : file.populations) write_sample(project, name, source);
-    write_structure_section(project, file);
+    write_structure_section(project, file, source);
 }
 
 // --- Writing ---
@@ -164,7 +181,7 @@ namespace {
 class FileNames {
 public:
     std::string next(std::string_view name) {
-        std::string file(name);
+        std::string file(trimmed(name));
         for (char& c : file)
             if (c == '/' || c == '\\' || static_cast<unsigned char>(c) < ' ') c = '_';
         if (file.empty() || file == part_marker) file = "noName";
@@ -202,7 +219,7 @@ bool write_matrix(Project& project, std::string const& path) {
     for (int i = 0; i < n; ++i)
         for (int j = 0; j <= i; ++j) {
             double const distance = distances.dimension() > 0 ? distances(i, j) : (i == j ? 0.0 : 1.0);
-            out << distance << (j < i ? ' ' : '\n');
+            out << exact_text(distance) << (j < i ? ' ' : '\n');
         }
     out.flush();
     return out.good();

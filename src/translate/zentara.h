@@ -15,9 +15,10 @@ using FileOpener = std::function<std::unique_ptr<std::istream>(std::string const
 
 /// Where the parts of a Zentara file lie.
 struct ZentaraSource {
-    std::string directory;       ///< of the file, with its slash, or empty
-    std::string matrix_file;     ///< serves when the file names no matrix; may be empty
-    std::string structure_file;  ///< serves when the file has no structure; may be empty
+    std::string directory;            ///< of the file, with its slash, or empty
+    std::string matrix_file;          ///< serves when the file names no matrix; may be empty
+    std::string structure_file;       ///< serves when the file has no structure; may be empty
+    bool directory_in_names = false;  ///< the project lies elsewhere: a name of the matrix always has a directory
     FileOpener open;
 };
 

@@ -81,6 +81,18 @@ TEST(ZentaraReader, MissingFilesMakeTheProjectFail) {
     EXPECT_TRUE(fails_when_read(no_matrix));
 }
 
+TEST(ZentaraReader, AMissingStructureFileMakesTheProjectFail) {
+    std::string const lost = zentara_project("North\n", populations, "", "groups.txt");
+    EXPECT_TRUE(holds(lost, "\t\tGroup={\n****ERROR**** Structure groups.txt not found\n}\n"));
+    EXPECT_TRUE(fails_when_read(lost));
+}
+
+TEST(ZentaraReader, LargeSumsAreWrittenOut) {
+    std::string const project = zentara_project("P\n", {{"P.pop", "h1 1234567\nh2 0.5\n"}});
+    EXPECT_TRUE(holds(project, "\t\t SampleSize=1234567.5\n"));
+    EXPECT_TRUE(reads_cleanly(zentara_project("P\n", {{"P.pop", "h1 12345678\nh2 1\n"}})));
+}
+
 TEST(ZentaraReader, BadLinesMakeTheProjectFail) {
     for (char const* data : {"h1\n", "h1 x\n", "h1 -2\n", "h1 2 3\n", "h} 2\n", "h1 1e999\n"})
         EXPECT_TRUE(fails_when_read(zentara_project("P\n", {{"P.pop", data}}))) << data;
@@ -99,6 +111,18 @@ TEST(ZentaraWriter, WritesAFileAPopulationTheMatrixAndTheMainFile) {
     EXPECT_EQ(zentara.directory.read("a_b.pop"), "h1 4\n");
     EXPECT_EQ(zentara.directory.read("dist_mat.dis"), "h1 h2\n0\n1 0\n");
     EXPECT_TRUE(holds(zentara.fresh.log(), "    Writing  out... done.\n"));
+}
+
+TEST(ZentaraWriter, DistancesLoseNoDigit) {
+    Export zentara;
+    std::string const text = profile_text("FREQUENCY", 2) +
+                             "[[DistanceMatrix]]\nMatrixName=\"m\"\nMatrixSize=3\nLabelPosition=LINE\nMatrixData={\n"
+                             "h1 h2 h3\n0\n0.123456789012 0\n1234567.25 0.1 0\n}\n[[Samples]]\n" +
+                             sample_text(" A ", "3", "h1 2\nh2 1\n") + sample_text("B", "4", "h3 4\n") +
+                             "[[Structure]]\nStructureName=\"s\"\nNbGroups=1\nGroup={\n\" A \"\n\"B\"\n}\n";
+    EXPECT_EQ(zentara.write(imp_exp::zentara, text), "A\nB\n+++\ndist_mat.dis\n+++\nA\nB\n");
+    EXPECT_EQ(zentara.directory.read("dist_mat.dis"), "h1 h2 h3\n0\n0.123456789012 0\n1234567.25 0.1 0\n");
+    EXPECT_EQ(zentara.directory.read("A.pop"), "h1 2\nh2 1\n") << "a name is trimmed when it is read back";
 }
 
 TEST(ZentaraWriter, KeepsTheProjectsOwnMatrix) {
