@@ -60,6 +60,29 @@ i3 1 12 20
 10 ?
 }
 """
+SITES = """[Profile]
+Title="s"
+NbSamples=2
+DataType=DNA
+GenotypicData=1
+GameticPhase=1
+LocusSeparator=NONE
+MissingData='?'
+[Data]
+[[Samples]]
+SampleName="a"
+SampleSize=2
+SampleData={
+i1 2 acgt
+ac?t
+}
+SampleName="b"
+SampleSize=1
+SampleData={
+i2 1 ACGA
+ACGA
+}
+"""
 FORMATS = ("Genepop", "Phylip", "Mega", "Biosys", "Zentara")
 
 
@@ -149,6 +172,7 @@ class RoundTrips(Translation):
         text = "Many\nL1\nL2\nPOP\n" + "".join("i%d , %03d%03d 001002\n" % (a, a, a % 60 + 1) for a in range(1, 141))
         again = self.genepop_again(text)
         self.assert_same_genotypes(text, again)
+        self.assert_runs()
         self.assertIn("i140 , ", again)
         self.assertEqual({len(field) for line in again.split("\n") if "," in line
                           for field in line.split(",")[1].split()}, {6})
@@ -165,6 +189,7 @@ class RoundTrips(Translation):
                     lines += ["s%d i%d , %s" % (s, i, " ".join(fields[:cut])), "   " + "\t".join(fields[cut:])]
             text = "\n".join(lines) + "\n"
             self.assert_same_genotypes(text, self.genepop_again(text))
+            self.assert_runs()
 
     def test_haploid_genepop(self):
         project, _ = self.to_project("Genepop", GENEPOP, "0")
@@ -172,6 +197,10 @@ class RoundTrips(Translation):
         self.assert_runs()
         again, _ = self.from_project("Genepop", project, name="q")
         self.assertIn("North1 , 01 01 01\n", again)
+        # One allele a field is no pair: what was written of haplotypes is told to be unreadable, not guessed.
+        project, log = self.to_project("Genepop", again, "0")
+        self.assertIn("# error in definition of allele 01\n", project)
+        self.assertIn("\t\tTranslator is unable to open the Tovenia File\n", log)
 
     def test_phylip_in_both_layouts(self):
         for text in (PHYLIP, INTERLEAVED):
@@ -209,6 +238,21 @@ class RoundTrips(Translation):
         project, _ = self.to_project("Mega", again)
         self.assert_runs()
 
+    def test_interleaved_mega(self):
+        text = "#mega\n!Title t;\n!Format identical=. missing=N;\n#A ACGT\n#B ..C.\n\n#A AC-T\n#B ....\n#C GNGTACGT\n"
+        project, _ = self.to_project("Mega", text)
+        self.assertIn("\t\t\tA 1 ACGTAC-T\n\t\t\tB 1 ACCTAC-T\n\t\t\tC 1 G?GTACGT\n", project)
+        self.assert_runs()
+
+    def test_mega_of_genotypes(self):
+        again, log = self.from_project("Mega", SITES)
+        self.assertEqual([line.split()[-1] for line in again.split("\n") if line.startswith("#")],
+                         ["#mega", "ACGT", "AC?T", "ACGT", "AC?T", "ACGA", "ACGA"])
+        self.assertIn("  into MEGA format, original population samples have been merged into \n", log)
+        self.assertIn("  The original data was of genotypic type and MEGA accepts only\n", log)
+        self.to_project("Mega", again)
+        self.assert_runs()
+
     def test_mega_distances(self):
         project, _ = self.to_project("Mega", MEGA_DISTANCES)
         self.assertIn("\t\t\t1.5 2.5 0.0\n", project)
@@ -242,6 +286,29 @@ class RoundTrips(Translation):
         self.assertIn("MatrixSize=3\n", project)
         self.assertIn("NbGroups=2\n", project)
         self.assert_runs()
+
+    def test_zentara_in_several_directories(self):
+        """The project finds the matrix wherever the list, the source and the target lie."""
+        for name, text in ZENTARA_FILES.items():
+            self.write(name, text)
+            self.write("src/" + name, text)
+        self.write("src/in.dat", ZENTARA)
+        self.write("in.dat", ZENTARA)
+        os.mkdir(self.path("dst"))
+        os.mkdir(self.path("work"))
+        for source, work in (("in.dat", ""), ("in.dat", "work"), ("src/in.dat", ""), ("src/in.dat", "work")):
+            for target in ("q.tvp", "dst/q.tvp"):
+                with self.subTest(source=source, work=work, target=target):
+                    self.translate_into_project(source, target, work)
+
+    def translate_into_project(self, source, target, work):
+        log = self.translate("Zentara", "Tovenia", source, target, "", "", directory=work)
+        self.assertNotIn("unable", log)
+        self.write("s.tvs", settings_text(TaskNumber=1, ComputeStandardDiversityIndices=1))
+        self.tovcore(target, "s.tvs", "run_silent")
+        log = self.read(target.replace(".tvp", ".res"), "Tovenia_log.txt")
+        self.assertIn("Successful run of %s\n" % target, log)
+        self.assertNotIn("#[ERROR", log)
 
     def test_foreign_to_foreign(self):
         self.write("in.dat", GENEPOP)
@@ -339,7 +406,8 @@ class BadInput(Translation):
     def test_truncated_files(self):
         """Whatever is cut off in the middle of an entry, no foreign file comes out."""
         for name, text, cuts in (("Genepop", GENEPOP, (-5, -12, -30)), ("Phylip", PHYLIP, (-3, -15, -25)),
-                                 ("Biosys", BIOSYS, (-7, -16, -30)), ("Mega", MEGA, (-3,))):
+                                 ("Genepop", GENEPOP3, (-2, -4, -16, -23)), ("Mega", MEGA, (-3,)),
+                                 ("Biosys", BIOSYS, (-7, -16, -30)), ("Zentara", ZENTARA, (-3, -8, -18, -26))):
             for cut in cuts:
                 with self.subTest(name, cut=cut):
                     self.assert_refused(name, text[:cut])
@@ -353,6 +421,13 @@ class BadInput(Translation):
     def test_missing_zentara_population(self):
         project, log = self.to_project("Zentara", ZENTARA, "", "")
         self.assertIn("****ERROR**** Population North not found\n", project)
+        self.assertIn("\t\tTranslator is unable to open the Tovenia File\n", log)
+
+    def test_missing_zentara_structure(self):
+        for name, text in ZENTARA_FILES.items():
+            self.write(name, text)
+        project, log = self.to_project("Zentara", "North\nSouth\n", "m.dis", "none")
+        self.assertIn("****ERROR**** Structure none not found\n", project)
         self.assertIn("\t\tTranslator is unable to open the Tovenia File\n", log)
 
     def test_data_that_a_format_cannot_hold(self):
