@@ -142,6 +142,10 @@ void ann_missmatch::calc_mismatch(std::vector<double>& y, int& polymorphic_sites
     tree.write_sequences();
     int const n = tree.sample_size();
     std::fill(y.begin(), y.end(), 0.0);
+    polymorphic_sites = 0;
+    if (n == 0 || !tree[0].sequence) {
+        return;  // no mutation was placed at all
+    }
     std::vector<int> sites;
     for (int s = 0; s < simulated_sites; ++s) {
         for (int i = 1; i < n; ++i) {
@@ -178,6 +182,7 @@ ann_missmatch::Bootstrap ann_missmatch::make_bootstrap() {
     std::vector<double> y(y_.size());
     ExpansionFitter fitter(model_, y_);
     int failures = 0;
+    TNode::hits.Flush();
     while (b.counted < nb_boot_) {
         settings::inc_work_done(1);
         settings::print_message();

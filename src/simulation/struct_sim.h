@@ -30,6 +30,10 @@ struct LocusMutation {
 class LocusSimulator {
 public:
     explicit LocusSimulator(SampledCopies sampled) : sampled_(std::move(sampled)) {}
+    LocusSimulator(LocusSimulator const&) = delete;
+    LocusSimulator& operator=(LocusSimulator const&) = delete;
+    /// Leaves no counters of sites behind, which would be of the wrong number for the next simulation.
+    ~LocusSimulator() { TNode::hits.Flush(); }
 
     /// One locus. Draws: the tree, then the mutations.
     /// @return false when no tree could be built (with lines on the console): no states.
