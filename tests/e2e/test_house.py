@@ -79,6 +79,22 @@ class House(unittest.TestCase):
                     wrong.append(path)
         self.assertEqual(wrong, [])
 
+    def test_the_methods_name_code_and_tests_that_exist(self):
+        top = os.path.join(SOURCE, "..")
+        with open(os.path.join(top, "docs", "methods.md"), encoding="utf-8") as handle:
+            rows = [line.split("|") for line in handle if line.startswith("|") and "`" in line]
+        self.assertGreater(len(rows), 35)
+        wrong = []
+        for row in rows:
+            for path in re.findall(r"`([^`]+)`", row[-3]):
+                if not any(os.path.exists(os.path.join(SOURCE, path + end)) for end in (".h", ".cpp")):
+                    wrong.append(path)
+            for path in re.findall(r"`([^`]+)`", row[-2]):
+                places = ("tests/unit/%s.cpp", "tests/%s.py", "tests/%s/expected.json", "%s")
+                if not any(os.path.exists(os.path.join(top, place % path)) for place in places):
+                    wrong.append(path)
+        self.assertEqual(wrong, [])
+
 
 if __name__ == "__main__":
     unittest.main()
