@@ -6,6 +6,7 @@
 #include <memory>
 #include <sstream>
 #include <string>
+#include <string_view>
 
 #include "base/dmat.h"
 #include "input/project_reader.h"
@@ -56,6 +57,20 @@ inline Exports export_all(std::string const& text) {
     exports.mega = mega.str();
     exports.biosys = biosys.str();
     return exports;
+}
+
+/// What stands behind the first `column` characters of each line, without blanks; lines that begin another way than
+/// with `mark` are left out.
+inline std::string behind_names(std::string const& text, std::size_t column, std::string_view mark = "") {
+    std::string data;
+    std::istringstream lines(text);
+    for (std::string line; std::getline(lines, line);) {
+        if (!line.starts_with(mark) || line.size() < column) continue;
+        for (char const c : line.substr(column))
+            if (c != ' ') data += c;
+        data += '\n';
+    }
+    return data;
 }
 
 inline std::string behind_first_line(std::string const& text) {
