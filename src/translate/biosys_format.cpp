@@ -11,6 +11,7 @@ namespace {
 constexpr std::size_t most_columns = 1000000;  // of a line; a statement beyond is no format
 constexpr std::size_t most_fields = 100000;    // of an individual
 constexpr int deepest_group = 20;
+constexpr std::size_t most_characters = 10000000;  // of groups, as often as they are repeated
 
 /// Reads a statement and walks the columns that it describes.
 class StatementReader {
@@ -90,6 +91,8 @@ private:
             std::size_t const before = size_;
             if (!read_items(depth + 1)) return false;
             if (size_ == before) break;  // nothing to repeat
+            walked_ += at_ - begin;
+            if (walked_ > most_characters) return false;
         }
         return true;
     }
@@ -113,7 +116,8 @@ private:
 
     std::string_view text_;
     std::size_t at_ = 0;
-    std::size_t size_ = 0;  // items walked so far
+    std::size_t size_ = 0;    // items walked so far
+    std::size_t walked_ = 0;  // characters of groups
     std::vector<Line> lines_;
 };
 

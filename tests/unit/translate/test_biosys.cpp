@@ -59,6 +59,18 @@ TEST(BiosysFormat, OtherTextsAreNoFormat) {
         EXPECT_FALSE(read_format1(text)) << text;
 }
 
+TEST(BiosysFormat, RepeatedGroupsWithoutColumnsComeToAnEnd) {
+    std::string const long_number(10000, '0');
+    std::string const separators(10000, ',');
+    std::string groups;
+    for (int i = 0; i < 5000; ++i) groups += "()";
+    for (std::string const& group : {std::string("1000000(1000000(0X))"), "1000000(" + long_number + "1X)",
+                                     "1000000(1X" + separators + ")", "1000000(1X," + groups + ")"})
+        EXPECT_FALSE(read_format1("(A3," + group + ",2A1)")) << group.substr(0, 40);
+    EXPECT_TRUE(read_format1("(A3,2(2(0X)),2A1)"));
+    EXPECT_TRUE(read_format1("(A7,3X,10000(1X,A3,A3))"));
+}
+
 TEST(BiosysReader, WritesProfileFormatAndSamples) {
     std::string const project =
         biosys_project(std::string(one_line_head) +
