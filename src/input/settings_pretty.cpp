@@ -37,7 +37,6 @@ constexpr Parameter general[] = {
     {"Epsilon value", &settings::EpsilonValue},
 };
 constexpr Parameter standard[] = {
-    {"Standard diversity indices", &settings::ComputeStandardDiversityIndices, Show::yes_no},
     {"Allele frequencies at all loci", &settings::ComputeAllAlleleFreqs, Show::yes_no},
 };
 constexpr Parameter molecular[] = {
@@ -61,6 +60,7 @@ constexpr Parameter haplotypes[] = {
     {"No. of initial conditions", &settings::InitialConditionsEM},
     {"Maximum no. of iterations", &settings::MaximumNumOfIterationsEM},
     {"Recessive alleles", &settings::RecessiveAllelesEM, Show::yes_no},
+    {"Compact haplotype database", &settings::CompactHaplotypeDataBaseEM, Show::yes_no},
     {"No. of bootstraps for s.d.", &settings::NumBootstrapReplicatesEM},
     {"Initial conditions of bootstraps", &settings::NumInitCondBootstrapEM},
     {"EM for all pairs of loci", &settings::ComputeAllSubHaplotypesEM, Show::yes_no},
@@ -90,9 +90,11 @@ constexpr Parameter linkage[] = {
     {"Steps or permutations", &settings::MarkovChainStepsLD},
     {"Required precision", &settings::PrecisionOnPValueLD},
     {"Significance level", &settings::SignificanceLevelLD},
-    {"Summary of tests", &settings::PrintFlagHistogramLD},
+    {"Summary of tests", &settings::PrintFlagHistogramLD, Show::yes_no},
     {"Initial conditions of EM", &settings::InitialCondEMLD},
     {"Compute D and D'", &settings::ComputeDvalues, Show::yes_no},
+    {"Maximum no. of iterations", &settings::MaximumNumOfIterationsEM},
+    {"Epsilon value", &settings::EpsilonValue},
 };
 constexpr Parameter hardy_weinberg[] = {
     {"Perform exact test", &settings::MakeHWExactTest, Show::yes_no},
@@ -107,9 +109,6 @@ constexpr Parameter coalescent_simulations[] = {
 };
 constexpr Parameter ewens_watterson[] = {
     {"Exact test", &settings::EwensWattersonHomozygosityTest, Show::yes_no},
-    {"No. of simulated samples", &settings::NumIterationsNeutralityTests},
-};
-constexpr Parameter chakraborty[] = {
     {"No. of simulated samples", &settings::NumIterationsNeutralityTests},
 };
 constexpr Parameter amova[] = {
@@ -148,6 +147,11 @@ constexpr Parameter exact_test[] = {
     {"Print table of differences", &settings::PrintHistoPopDiff, Show::yes_no},
     {"Significance level", &settings::SignLevelPopDiff},
 };
+constexpr Parameter assignment[] = {
+    {"No. of initial conditions", &settings::InitialConditionsEM},
+    {"Maximum no. of iterations", &settings::MaximumNumOfIterationsEM},
+    {"Epsilon value", &settings::EpsilonValue},
+};
 constexpr Parameter mantel[] = {
     {"No. of permutations", &settings::NumPermMantel},
 };
@@ -162,12 +166,12 @@ constexpr TaskBlock task_blocks[] = {
     {task::hardy_weinberg, "    Hardy-Weinberg equilibrium test:\n", hardy_weinberg},
     {task::tajima, "    Tajima's selective neutrality test\n", coalescent_simulations},
     {task::ewens_watterson, "    Ewens-Watterson neutrality test\n", ewens_watterson},
-    {task::chakraborty, "    Chakraborty's amalgammation test\n", chakraborty},
+    {task::chakraborty, "    Chakraborty's amalgammation test\n"},
     {task::fu_fs, "    Fu's Neutraliy test:\n", coalescent_simulations},
     {task::amova, "    Analysis of Molecular Variance:\n", amova},
     {task::pairwise_fst, "    Population pairwise Fst values:\n", pairwise},
     {task::exact_test, "    Exact test of population differentiation:\n", exact_test},
-    {task::genotype_assignment, "\n    Assignement of individual genotypes to populations\n"},
+    {task::genotype_assignment, "\n    Assignement of individual genotypes to populations\n", assignment},
     {task::mantel, "\n    Correlation between distance matrices.\n", mantel},
 };
 

@@ -22,6 +22,8 @@ std::string escaped(std::string_view text, bool in_attribute) {
             result += "&amp;";
         else if (c == '<')
             result += "&lt;";
+        else if (c == '>' && result.ends_with("]]"))
+            result += "&gt;";
         else if (c == '"' && in_attribute)
             result += "&quot;";
         else if (can_stand(c))

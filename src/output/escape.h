@@ -9,10 +9,11 @@ namespace tov {
 
 /// `text` as element content of the result document, XML and HTML alike.
 ///
-/// & becomes "&amp;", < becomes "&lt;"; bytes below 0x20 other than tab and newline are dropped, as XML 1.0 has no way
-/// to hold them. Bytes from 0x80 on pass: the document is ISO-8859-1, in which every byte is a character.
-/// Everything that comes from input files goes through it (names, titles, labels, alleles, file names); fixed texts of
-/// the program do not, they are written in their escaped form.
+/// & becomes "&amp;", < becomes "&lt;", and > behind "]]" becomes "&gt;", since XML ends other sections by "]]>"; any
+/// other > stays. Bytes below 0x20 other than tab and newline are dropped, as XML 1.0 has no way to hold them. Bytes
+/// from 0x80 on pass: the document is ISO-8859-1, in which every byte is a character. Everything that comes from input
+/// files goes through it (names, titles, labels, alleles, file names); fixed texts of the program do not, they are
+/// written in their escaped form.
 [[nodiscard]] std::string doc_text(std::string_view text);
 
 /// `text` as the value of an attribute between double quotes: as doc_text, and " becomes "&quot;".

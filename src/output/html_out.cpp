@@ -3,6 +3,7 @@
 
 #include <fstream>
 #include <istream>
+#include <iterator>
 #include <ostream>
 
 #include "base/cstring.h"
@@ -74,6 +75,14 @@ void TJSOut::doc(int level, std::string_view title, std::string_view link) {
     out_ << "insDoc(" << parent(level) << ", gLnk(\"R\", \"" << js_text(title) << "\", \"" << js_text(link) << "\"))\n";
 }
 
+std::string new_run_id(std::istream& script, std::string_view time) {
+    std::string const text{std::istreambuf_iterator<char>(script), std::istreambuf_iterator<char>()};
+    std::string id(time);
+    for (int runs = 2; text.find('#' + id + '"') != std::string::npos; ++runs)
+        id = std::string(time) + '_' + std::to_string(runs);
+    return id;
+}
+
 std::string anchor_name(std::string_view run_id, std::string_view anchor) {
     std::string name(run_id);
     for (char const c : anchor) name += c == ' ' ? '_' : c;
@@ -84,14 +93,14 @@ void print_js_doc_entry(EntryTarget const& target, int level, std::string_view a
     std::ofstream script(target.script, std::ios::app);
     std::string const name = anchor_name(target.run_id, anchor);
     if (target.document != nullptr) print_anchor(*target.document, name);
-    TJSOut(script).doc(level, title, target.result_file + '#' + name);
+    TJSOut(script).doc(level, title, link_to(target.result_file) + '#' + name);
 }
 
 void print_js_aux_entry(EntryTarget const& target, int level, std::string_view anchor, std::string_view title) {
     std::ofstream script(target.script, std::ios::app);
     std::string const name = anchor_name(target.run_id, anchor);
     if (target.document != nullptr) print_anchor(*target.document, name);
-    TJSOut(script).aux(level, title, target.result_file + '#' + name);
+    TJSOut(script).aux(level, title, link_to(target.result_file) + '#' + name);
 }
 
 void print_js_tovenia_log_entry(std::string const& script) {
@@ -103,7 +112,8 @@ void begin_tree_script(std::string const& script, bool truncate, std::string_vie
                        std::string_view project, std::string_view result_file) {
     {
         std::ofstream out(script, truncate ? std::ios::trunc : std::ios::app);
-        TJSOut(out).foldersTree(result_file, working_directory, {}, "TOVENIA RESULTS (" + std::string(project) + ")");
+        TJSOut(out).foldersTree(link_to(result_file), working_directory, {},
+                                "TOVENIA RESULTS (" + std::string(project) + ")");
     }
     print_js_tovenia_log_entry(script);
 }
@@ -164,12 +174,27 @@ bool xml_document_is_complete(std::istream& in) {
 
 // --- Names ---
 
+std::string link_to(std::string_view path) {
+    std::string link;
+    for (char const c : path) {
+        if (c == '%')
+            link += "%25";
+        else if (c == '#')
+            link += "%23";
+        else if (c == '?')
+            link += "%3F";
+        else
+            link += c;
+    }
+    return link;
+}
+
 std::string file_url(std::string_view working_directory, std::string_view path) {
     bool const absolute = path.starts_with('/') || path.starts_with('\\') || (path.size() > 1 && path[1] == ':');
     std::string full(absolute ? std::string_view() : working_directory);
     if (!full.empty() && full.back() != '/' && full.back() != '\\') full += '/';
     full += path;
-    return "file:///" + my_string(full).convert_to_html_slash().convert_blank_to_html_blank().str();
+    return "file:///" + my_string(link_to(full)).convert_to_html_slash().convert_blank_to_html_blank().str();
 }
 
 std::string buildToveniaResultFileName(std::string_view project) {

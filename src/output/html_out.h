@@ -60,6 +60,11 @@ struct EntryTarget {
 };
 [[nodiscard]] EntryTarget entry_target(settings const& set);
 
+/// Id of a run that begins at `time` (given without blanks): the time, followed by "_2", "_3" ... when the tree script
+/// holds a run of that id already, so that anchors of runs of one second differ too.
+///
+/// @param script  the script that the run goes on with; an empty stream when it begins anew.
+[[nodiscard]] std::string new_run_id(std::istream& script, std::string_view time);
 /// Name of an anchor: run id, then the anchor argument with its blanks turned into underlines.
 [[nodiscard]] std::string anchor_name(std::string_view run_id, std::string_view anchor);
 
@@ -112,7 +117,10 @@ void print_results_footer(std::ostream& out, bool xml);
 
 // --- Names ---
 
-/// "file:///" and the path, made absolute by the working directory, with forward slashes and "%20" for blanks.
+/// A file name as a link holds it: "%", "#" and "?", which browsers would not take for parts of the name, are encoded.
+[[nodiscard]] std::string link_to(std::string_view path);
+/// "file:///" and the path as a link, made absolute by the working directory, with forward slashes and "%20" for
+/// blanks.
 [[nodiscard]] std::string file_url(std::string_view working_directory, std::string_view path);
 /// "p/name.res/name_main.htm" of "p/name.tvp".
 [[nodiscard]] std::string buildToveniaResultFileName(std::string_view project);

@@ -17,8 +17,8 @@ void print_html_frames(std::ostream& out, PageNames const& names) {
         << "\n</script>"
         << "\n</head>"
         << "\n<FRAMESET cols=\"200,*\">"
-        << "\n  <FRAME src=\"" << doc_attribute(names.tree_page) << "\" name=\"treeframe\">"
-        << "\n  <FRAME SRC=\"" << doc_attribute(names.result_file) << "\" name=\"basefrm\">"
+        << "\n  <FRAME src=\"" << doc_attribute(link_to(names.tree_page)) << "\" name=\"treeframe\">"
+        << "\n  <FRAME SRC=\"" << doc_attribute(link_to(names.result_file)) << "\" name=\"basefrm\">"
         << "\n</FRAMESET>"
         << "\n</html>";
 }
@@ -41,7 +41,7 @@ void print_html_tree_page(std::ostream& out, PageNames const& names) {
         << "\n</head>"
         << "\n<body topmargin=16 marginheight=16>"
         << "\n<!-- The tree code expects a link on its page, in front of the call that builds the tree. -->"
-        << "\n<div><a href=\"" << doc_attribute(names.result_file) << "\" target=\"basefrm\">Results</a></div>"
+        << "\n<div><a href=\"" << doc_attribute(link_to(names.result_file)) << "\" target=\"basefrm\">Results</a></div>"
         << "\n<script>initializeDocument()</script>"
         << "\n<noscript>"
         << "\nA tree for site navigation will open here if you enable JavaScript in your browser."

@@ -20,7 +20,11 @@ std::string forward_slashes(std::string path) {
     return path;
 }
 
-bool file_opens(std::string const& path) { return std::ifstream(path).is_open(); }
+bool file_opens(std::string const& path) {
+    std::ifstream in(path);
+    in.peek();  // a directory opens, but can't be read
+    return in.is_open() && !in.bad();
+}
 
 std::string current_directory() {
     std::array<char, 1000> buffer{};

@@ -13,7 +13,7 @@ namespace tov {
 [[nodiscard]] std::string file_name_of(std::string const& path);
 /// `path` with every '\' turned into '/'.
 [[nodiscard]] std::string forward_slashes(std::string path);
-/// Whether the file opens for reading.
+/// Whether the file opens for reading; a directory doesn't.
 [[nodiscard]] bool file_opens(std::string const& path);
 /// The working directory by a system call into a buffer of 999 characters; empty when the call fails.
 [[nodiscard]] std::string current_directory();

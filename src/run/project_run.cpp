@@ -189,11 +189,12 @@ void Project::print_frame_pages() const {
 
 void Project::begin_document(RunFrame& frame) {
     frame.start_time = local_time_text(time_format);
-    settings_->set_run_id(without_blanks(frame.start_time));
     TXmlTag::time = frame.start_time;
     name_run_files();
     print_frame_pages();
     bool const script_goes_on = settings_->keepProjectResults && file_opens(settings_->tree_script);
+    std::ifstream script(script_goes_on ? settings_->tree_script : std::string());
+    settings_->set_run_id(new_run_id(script, without_blanks(frame.start_time)));
     if (!script_goes_on)
         begin_tree_script(settings_->tree_script, !settings_->keepProjectResults, settings_->working_directory,
                           file_name_of(settings::input_file), file_name_of(settings_->result_file));

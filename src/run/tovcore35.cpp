@@ -4,10 +4,10 @@
 #include <algorithm>
 #include <cctype>
 #include <cstdio>
+#include <exception>
 #include <fstream>
 #include <iostream>
 #include <iterator>
-#include <new>
 
 #include "run/errors.h"
 #include "run/paths.h"
@@ -63,7 +63,10 @@ std::string first_project_of_run_list() {
     std::ifstream in(run_list_name);
     std::string line;
     read_run_list_line(in, line, std::string::npos);
-    if (!read_run_list_line(in, line, std::string::npos) || run_directive(line) == RunDirective::translate) return {};
+    if (!read_run_list_line(in, line, std::string::npos)) return {};
+    RunDirective const directive = run_directive(line);
+    if (directive == RunDirective::translate) return {};
+    if (directive == RunDirective::special_settings) read_run_list_line(in, line, std::string::npos);
     while (read_run_list_line(in, line, std::string::npos))
         if (holds(line, ".tvp")) return without_extension(line) + ".tvp";
     return {};
@@ -85,12 +88,12 @@ bool run_list_is_usable(bool project_on_command_line) {
 
 /// Copies the named settings over the default ones. @return false when they can't be opened.
 bool take_settings(std::string const& name) {
-    std::ifstream in(name, std::ios::binary);
-    if (!in.is_open()) {
+    if (!file_opens(name)) {
         std::cout << "The setting file '" << name << "' does not exist, aborting tovcore\n\n";
         return false;
     }
     if (name == default_settings_name) return true;
+    std::ifstream in(name, std::ios::binary);
     // The whole source is read before the target is truncated: both may be one file under two names.
     std::string const text{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
     in.close();
@@ -98,14 +101,16 @@ bool take_settings(std::string const& name) {
     return true;
 }
 
-/// Runs the list. @return false when memory ran out, which ends the program without its marker.
+/// Runs the list. @return false when memory ran out, or another exception came through, which the log tells: this ends
+/// the program without its marker.
 bool run_the_list() {
     try {
         tovstart("");
         return true;
     } catch (ExceptionType const&) {
         return false;
-    } catch (std::bad_alloc const&) {
+    } catch (std::exception const& failure) {
+        *_AOS_ << "\nThe run ended early: " << failure.what() << std::endl;
         return false;
     }
 }

@@ -2,13 +2,11 @@
 #include "run/tovstart.h"
 
 #include <cstdio>
-#include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <memory>
 #include <new>
 #include <string>
-#include <system_error>
 
 #include "base/numtext.h"
 #include "base/random.h"
@@ -42,15 +40,11 @@ void begin_log(std::string const& log_directory) {
 
 /// Log, settings file and random numbers of one project.
 ///
-/// @return  leave when the project can't be opened, its result directory can't be made, or no settings are there.
+/// @return  leave when the project can't be opened or no settings are there. Without a results directory there is no
+/// log.
 Turn set_up_project(RunDirective directive) {
     my_string log_directory;
     if (!create_log_dir(ToveniaExeDirectory.c_str(), proj_file.c_str(), log_directory)) return Turn::leave;
-    std::error_code failure;
-    if (!std::filesystem::is_directory(log_directory.c_str(), failure)) {
-        PPP->print_error_message();
-        return Turn::leave;
-    }
     begin_log(log_directory.c_str());
     // With associated settings the file in force is the project's own, looked for later.
     if (directive != RunDirective::explore && directive != RunDirective::associated_settings && !file_opens(set_file)) {

@@ -35,9 +35,11 @@ void IndLikelihood::run() {
 
 void IndLikelihood::print_heading() const {
     std::ostream& out = set_->ofs();
-    print_js_doc_entry(*set_, 1, "_genot_assignment", "Genotype assignment");
-    out << "\n" << rule{59, '='} << "\n== LIKELIHOOD OF INDIVIDUAL GENOTYPES IN ALL POPULATIONS ==\n" << rule{59, '='}
-        << "\n\n";
+    char const* const anchor = samples_->pooled ? "_gr_genot_assignment" : "_genot_assignment";
+    print_js_doc_entry(*set_, 1, anchor, "Genotype assignment");
+    out << "\n"
+        << rule{59, '='} << "\n== LIKELIHOOD OF INDIVIDUAL GENOTYPES IN ALL POPULATIONS ==\n"
+        << rule{59, '='} << "\n\n";
     print_references(out, {"paetkau1995", "waser_strobeck1998"});
     out << "\nList of labels for population samples used below:"
         << "\n=================================================\n";

@@ -137,7 +137,7 @@ void imp_exp::create_header() {
 }
 
 bool imp_exp::open_source(std::ifstream& in) {
-    in.open(source_);
+    if (file_opens(source_)) in.open(source_);
     if (in.is_open()) return true;
     log_text("\t\tUnable to open the file ", source_);
     *out_ << "# error: the input file could not be opened\n";

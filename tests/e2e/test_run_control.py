@@ -111,6 +111,37 @@ class Calling(RunTestCase):
         self.tovcore("p.tvp", "./tov_run.tvs")
         self.assertEqual(self.read("tov_run.tvs"), settings_text())
 
+    def test_default_settings_named_as_such_are_not_copied(self):
+        self.write("p.tvp", dna_project())
+        self.write("tov_run.tvs", settings_text(XMLOutput=0))
+        os.utime(self.path("tov_run.tvs"), (1000, 1000))
+        self.tovcore("p.tvp", "tov_run.tvs")
+        self.assertEqual(os.stat(self.path("tov_run.tvs")).st_mtime, 1000)
+        self.assertTrue(self.exists("p.res", "p.htm"))
+
+    def test_a_directory_is_neither_a_project_nor_a_settings_file(self):
+        os.mkdir(self.path("d.tvp"))
+        os.mkdir(self.path("d.tvs"))
+        self.write("p.tvp", dna_project())
+        outcome = self.tovcore("p.tvp", "d.tvs")
+        self.assertTrue(outcome.console.startswith("The setting file 'd.tvs' does not exist, aborting tovcore\n\n"))
+        outcome = self.tovcore("d.tvp")
+        self.assertTrue(outcome.console.startswith("Project file 'd.tvp' does not exist, aborting tovcore\n\n"))
+        self.assertFalse(self.exists("compfinished_final"))
+        os.mkdir(self.path("tov_run.tvs"))
+        self.tovcore("p.tvp")
+        self.assertIn("Core Routine did not find its settings in:\n", self.log())
+
+    def test_blanks_of_the_working_directory_in_the_path_of_the_style_sheet(self):
+        self.directory = os.path.join(self.directory, "my work")
+        os.mkdir(self.directory)
+        self.write("p.tvp", dna_project())
+        self.write("p.tvs", settings_text())
+        self.tovcore("p.tvp", "p.tvs")
+        self.assertIn('href="file:///%s/ToveniaStyleSheet.xsl"?>'
+                      % os.path.realpath(self.directory).replace(" ", "%20"), self.document())
+        self.assert_well_formed("p.res", "p.xml")
+
     def test_missing_default_settings_are_told_in_the_log(self):
         self.write("p.tvp", dna_project())
         self.tovcore("p.tvp")
@@ -227,15 +258,63 @@ class RunList(RunTestCase):
                 self.assert_finished()
                 os.remove(self.path("tov_pro.txt"))
 
-    def test_a_result_directory_that_cannot_be_made_ends_the_list(self):
-        self.write("p.tvp", dna_project())
+    def test_without_a_result_directory_a_run_has_no_log_and_its_document_beside_the_project(self):
+        project = dna_project()
+        self.write("p.tvp", project)
+        self.write("q.tvp", project)
         self.write("p.res", "in the way\n")
-        self.write("tov_run.tvs", settings_text())
-        self.write("tov_run.txt", run_list("p.tvp", "0", "0", "end"))
+        self.write("tov_run.tvs", settings_text(TaskNumber=1))
+        self.write("tov_run.txt", run_list("p.tvp", "0", "0", "q.tvp", "0", "0", "end"))
         self.tovcore()
         self.assertEqual(self.read("p.res"), "in the way\n")
-        self.assertEqual(self.read("tov_pro.txt"), "error\n")
+        self.assertEqual(self.read("p.tvp"), project)
+        self.assertIn("== Sample : \tSouth", self.read("p.xml"))
+        self.assert_well_formed("p.xml")
+        self.assertIn("Successful run of q.tvp", self.log("q"))
         self.assert_finished()
+
+    def test_the_integers_of_the_last_group_may_be_missing(self):
+        self.write("p.tvp", dna_project())
+        self.write("q.tvp", dna_project())
+        self.write("tov_run.tvs", settings_text())
+        for ending in ([], ["0"]):
+            with self.subTest(ending):
+                self.write("tov_run.txt", run_list("p.tvp", "0", "0", "q.tvp", *ending))
+                self.tovcore()
+                self.assertIn("Successful run of q.tvp", self.log("q"))
+                self.assertEqual(self.document("q").count("<run "), 1)
+                self.assert_finished()
+
+    def test_a_list_without_integers_adds_to_the_results(self):
+        self.write("p.tvp", dna_project())
+        self.write("tov_run.tvs", settings_text())
+        self.write("tov_run.txt", run_list("p.tvp"))
+        self.tovcore()
+        self.tovcore()
+        self.assertEqual(self.document().count("<run "), 2)
+
+    def test_the_second_integer_keeps_null_distributions_whatever_the_settings_say(self):
+        north, south = dna_project().split("[[Samples]]")[1].split("\tSampleName=")[1:]
+        text = dna_project(structure=(("North", "South"), ("East",)), NbSamples=3)
+        text = text.replace("[[Structure]]", "\tSampleName=" + north.replace("North", "East") + "\n[[Structure]]")
+        self.write("p.tvp", text)
+        for keep in (0, 1):
+            self.write("tov_run.tvs", settings_text(TaskNumber=512, HaplAMOVA=1, NumPermutationsAMOVA=10,
+                                                    KeepNullDistrib=1 - keep))
+            self.write("tov_run.txt", run_list("p.tvp", "0", str(keep), "end"))
+            self.tovcore()
+            kept = [name for name in self.files() if re.search(r"p\.v[a-d]$", name)]
+            self.assertEqual(kept, ["p.res/p.va", "p.res/p.vb", "p.res/p.vc"] if keep else [])
+
+    def test_settings_in_a_directory_that_looks_like_a_project(self):
+        self.write("p.tvp", dna_project())
+        self.write("x.tvp_dir/mine.tvs", settings_text(XMLOutput=0))
+        self.write("tov_run.txt", run_list("x.tvp_dir/mine.tvs", "p.tvp", "0", "0", "end",
+                                           directive="use_spe_settings"))
+        self.tovcore()
+        self.assertTrue(self.exists("p.res", "p.htm"))
+        self.write("tov_run.txt", run_list("mine.tvs", "none.tvp", "0", "0", "end", directive="use_spe_settings"))
+        self.assertTrue(self.tovcore().console.startswith("Project file 'none.tvp' listed in tov_run.txt"))
 
     def test_a_first_project_in_capitals_passes_the_check_at_the_start(self):
         self.write("tov_run.tvs", settings_text())
@@ -292,6 +371,32 @@ class AddedRuns(RunTestCase):
         self.tovcore("run_silent")
         root = self.parse_xml("p.res", "p.xml").documentElement
         self.assertEqual(len(root.getElementsByTagName("run")), 3)
+
+    def assert_anchors_resolve(self, extension="xml"):
+        anchors = re.findall(r'<A NAME="([^"]*)"', self.document(extension=extension))
+        self.assertEqual(sorted(anchors), sorted(set(anchors)))
+        links = re.findall(r'p\.%s#([^"]*)"' % extension, self.read("p.res", "p.js"))
+        self.assertEqual(sorted(links), sorted(anchors))
+
+    def test_anchors_of_runs_of_one_second_differ(self):
+        self.start(1, 0)
+        self.write("tov_run.txt", run_list(*["p.tvp", "1", "0"] * 3, "end"))
+        self.tovcore("run_silent")
+        self.assertEqual(self.read("p.res", "p.js").count('"Run of '), 4)
+        self.assert_anchors_resolve()
+
+    def test_anchors_of_both_levels_differ(self):
+        text = ('[Profile]\nTitle="g"\nNbSamples=2\nDataType=MICROSAT\nGenotypicData=1\nGameticPhase=0\n'
+                "LocusSeparator=WHITESPACE\nMissingData='?'\nRecessiveData=0\n[Data]\n[[Samples]]\n"
+                'SampleName="a"\nSampleSize=3\nSampleData={\ni1 2 10 20\n11 20\ni2 1 10 21\n10 20\n}\n'
+                'SampleName="b"\nSampleSize=2\nSampleData={\ni3 2 12 20\n10 ?\n}\n'
+                '[[Structure]]\nStructureName="s"\nNbGroups=1\nGroup={\n"a"\n"b"\n}\n')
+        for xml, extension in ((1, "xml"), (0, "htm")):
+            self.run_project(text, TaskNumber=131071, XMLOutput=xml, ComputeSumStatsWithinGroups=1, HaplAMOVA=1,
+                             LocByLocAMOVA=1, ComputePairwiseFST=1, PrintDistanceMatrix=1, NumPermutPopDiff=1000,
+                             NumDememoPopDiff=100)
+            self.assert_anchors_resolve(extension)
+            self.assertIn("_gr_genot_assignment", self.document(extension=extension))
 
     def test_results_that_are_not_kept_are_replaced(self):
         self.start(2, 0)
@@ -367,6 +472,100 @@ class Banners(RunTestCase):
     def test_document_sums_up_the_settings(self):
         self.run_project(dna_project(), TaskNumber=1)
         self.assertIn("\nSettings used for Calculations\n", self.document())
+
+
+class Document(RunTestCase):
+    def test_sections_stand_in_the_order_of_the_run(self):
+        project = dna_project(structure=(("North", "South"),))
+        self.run_project(project, TaskNumber=1 | 512 | 1024, HaplAMOVA=1, ComputePairwiseFST=1, DetectSelectedLoci=1,
+                         NumberOfSimsForFDist2=10, ComputeSumStatsWithinGroups=1, PrintDistanceMatrix=1)
+        document = self.document()
+        position = 0
+        for text in ("<?xml version=", "<Tovenia>\n<data>\n", "\n<header>\nTovenia results\n</header>", "<run time=",
+                     "RUN NUMBER 1", "\nProject information:\n--------------------\n", "Settings used for Calculations",
+                     "== ANALYSES AT THE INTRA-GROUP LEVEL", "== GENETIC STRUCTURE ANALYSIS",
+                     "== ANALYSES AT THE INTRA-POPULATION LEVEL", "== Sample : \tSouth", "== GENETIC STRUCTURE ANALYSIS",
+                     "Number of usable loci for distance computation : 10\n",
+                     "\nList of usable loci :\n---------------------\n   1    2 ",
+                     "\nList of loci with too much missing data :\n-----------------------------------------\nNONE",
+                     "Matrix of Euclidian square distances used in the genetic structure section:\n",
+                     "\nCorresponding list of Haplotypes: \n\nExt_Id  \tFreq.\nh1      \t0.428571\n",
+                     "== DETECTION OF LOCI UNDER SELECTION FROM GENOME SCANS BASED ON F-STATISTICS\n" + "=" * 78 + "\n"
+                     "</data>\n<Reference>", "_fdist2_", "END OF RUN NUMBER 1", "</data>\n\n</Tovenia>\n\n"):
+            found = document.find(text, position)
+            self.assertGreaterEqual(found, position, text)
+            position = found + len(text)
+        self.assertEqual(position, len(document))
+
+    def test_conventional_statistics_name_their_matrix(self):
+        self.run_project(dna_project(structure=(("North", "South"),)), TaskNumber=1024, ComputePairwiseFST=1,
+                         ComputeConventionalFST=1, PrintDistanceMatrix=1)
+        self.assertIn("\nConventional FST Matrix: Dij=1 if i!=j and O else:\n", self.document())
+
+    def test_a_task_that_is_not_possible_closes_the_document(self):
+        text = ('[Profile]\nTitle="r"\nNbSamples=1\nDataType=STANDARD\nGenotypicData=1\nGameticPhase=1\n'
+                'RecessiveData=1\nRecessiveAllele="0"\nLocusSeparator=WHITESPACE\nMissingData=\'?\'\n[Data]\n'
+                '[[Samples]]\nSampleName="a"\nSampleSize=2\nSampleData={\ni 2 A B\nA 0\n}\n')
+        for xml, extension, foot in ((1, "xml", "</data>\n\n</Tovenia>\n\n"), (0, "htm", "\n</body>\n</PRE>\n</html>\n")):
+            log = self.run_project(text, TaskNumber=8192, XMLOutput=xml)
+            self.assertIn('"Project::make_run_possible()" : incompatibility between known gametic phase', log)
+            self.assertIn("Error during run of p.tvp", log)
+            self.assertTrue(self.document(extension=extension).endswith(
+                "\nOne of the scheduled task is not possible with these data,"
+                "\nfor more details look into 'Tovenia_log.txt'\n" + foot))
+            self.assertFalse(self.exists("p.res", "p.tvp"))
+        self.assert_well_formed("p.res", "p.xml")
+
+    def test_microsatellites_lack_the_ewens_watterson_section_without_a_word(self):
+        text = ('[Profile]\nTitle="m"\nNbSamples=1\nDataType=MICROSAT\nGenotypicData=0\nLocusSeparator=WHITESPACE\n'
+                "MissingData='?'\n[Data]\n[[Samples]]\n"
+                'SampleName="a"\nSampleSize=4\nSampleData={\nh1 3 10 20\nh2 1 11 20\n}\n')
+        log = self.run_project(text, TaskNumber=1 | 128 | 256)
+        for word in ("Ewens", "Watterson", "Chakraborty"):
+            self.assertNotIn(word, log)
+            self.assertNotIn("(" + word, self.document().split("Settings used for Calculations")[1].split("====", 2)[2])
+
+    def test_nasty_text_of_every_kind_leaves_well_formed_documents(self):
+        nasty = "]]>&<%s>\xe9\xff\x01'"
+        allele = nasty.replace("\x01", "")  # a control character is no part of an allele
+        genotypes = "".join('i%s%d 1 %s %s\n%s %s\n' % (nasty % "i", i, *(allele % "abcd"[i >> b & 1] for b in range(4)))
+                            for i in range(8))
+        head = ('[Profile]\nTitle="%s"\nNbSamples=2\nDataType=%s\nGenotypicData=%d\nGameticPhase=%d\n'
+                "LocusSeparator=WHITESPACE\nMissingData='?'\nRecessiveData=0\n[Data]\n")
+        matrix = ('[[DistanceMatrix]]\nMatrixName="%s"\nMatrixSize=2\nLabelPosition=LINE\nMatrixData={\n%s %s\n0\n1 0\n}\n'
+                  % (nasty % "m", nasty % "x", nasty % "y"))
+        structure = ('[[Structure]]\nStructureName="%s"\nNbGroups=1\nGroup={\n"%s"\n"%s"\n}\n'
+                     % (nasty % "g", nasty % "1", nasty % "2"))
+
+        def samples(entries, size):
+            return "[[Samples]]\n" + "".join('SampleName="%s"\nSampleSize=%d\nSampleData={\n%s}\n'
+                                             % (nasty % name, size, entries) for name in "12")
+
+        counts = "%s 3\n%s 2\n" % (nasty % "x", nasty % "y")
+        definitions = "%s 3 %s a\n%s 2 %s b\n" % (nasty % "x", allele % "p", nasty % "y", allele % "q")
+        projects = {"phased": head % (nasty % "t", "STANDARD", 1, 1) + samples(genotypes, 8) + structure,
+                    "unphased": head % (nasty % "t", "STANDARD", 1, 0) + samples(genotypes, 8) + structure,
+                    "haplotypes": head % (nasty % "t", "STANDARD", 0, 1) + samples(definitions, 5) + structure,
+                    "frequencies": head % (nasty % "t", "FREQUENCY", 0, 1) + matrix + samples(counts, 5) + structure}
+        keys = {key: 1 for key in (
+            "HaplAMOVA", "LocByLocAMOVA", "ComputePairwiseFST", "PrintFstVals", "PrintMissIntermatchs", "MakeExactTestLD",
+            "MakeHWExactTest", "ComputeDvalues", "PrintHaplDistMat", "PrintPopDistMat", "PrintMinSpannNetworkPop",
+            "PrintDistanceMatrix", "PrintMinSpannNetworkGlob", "ComputeAllHaplotypesEM", "ComputeAllAllelesEM",
+            "EliminateRedondHaplodefs", "ComputeSumStatsWithinGroups", "DetectSelectedLoci", "PopSpecificFST",
+            "ComputeAllAlleleFreqs")}
+        keys.update(TaskNumber=131071, TypeOfTestHW=2, ComputeTheta=15, InitialConditionsEM=2, MarkovChainStepsHW=1000,
+                    MarkovChainDememorisationStepsHW=500, MarkovChainStepsLD=100, NumPermutPopDiff=1000,
+                    NumDememoPopDiff=100, NumPermutationsAMOVA=10, NumPermutationsFST=10, NumberOfSimsForFDist2=100,
+                    NumSimulFuTest=10, NumIterationsNeutralityTests=10)
+        for name, text in projects.items():
+            for computed in (0, 1):
+                with self.subTest("%s %d" % (name, computed)):
+                    log = self.run_project(text, nasty % "p", ComputeDistanceMatrixAMOVA=computed, **keys)
+                    self.assertIn("Successful run", log)
+                    folder = nasty % "p" + ".res"
+                    self.assert_well_formed(folder, nasty % "p" + ".xml")
+                    document = self.read(folder, nasty % "p" + ".xml")
+                    self.assertIn("]]&gt;&amp;&lt;1>", document)
 
 
 class Checks(RunTestCase):
@@ -470,9 +669,31 @@ class Explore(RunTestCase):
     def test_a_project_without_data_is_an_error(self):
         self.explore('[Profile]\nTitle="x"\nNbSamples=1\n[Data]\n')
         self.assertEqual(self.read("tov_pro.txt"), "error\n")
+        self.assertIn('from function "Project::explore()" : no subsections found\n', self.log())
 
     def test_a_project_without_a_profile_is_an_error(self):
         self.explore("nothing\n")
+        self.assertEqual(self.read("tov_pro.txt"), "error\n")
+        self.assertEqual(self.read("groups.txt"), "0")
+        self.assertIn("Exploring  p.tvp ...\nReading general settings in input file ...\n", self.log())
+        self.assertIn('from function "Project::explore()" : unable to read Profile Settings\ndone!\n', self.log())
+
+    def test_each_section_is_told_in_the_log(self):
+        matrix = '[[DistanceMatrix]]\nMatrixName="given"\nMatrixSize=2\nMatrixData={\nh1 h2\n0\n1 0\n}\n[[Samples]]'
+        self.explore(dna_project(structure=(("North",), ("South",))).replace("[[Samples]]", matrix))
+        self.assertTrue(self.log().endswith(
+            "Exploring  p.tvp ...\nReading general settings in input file ...\ndone ! \n\tReading distance matrix ...\n"
+            "\tExploring Samples...\n\tExploring genetic structure...\ndone!\n"))
+        self.assertIn("\ngiven=DistMatLabel;\n", self.read("tov_pro.txt"))
+
+    def test_separators_are_named(self):
+        for value, shown in (("NONE", "NONE"), ("WHITESPACE", "WHITESPACE"), ("TAB", "TAB"), ("'/'", "/")):
+            self.explore(dna_project(LocusSeparator=value))
+            self.assertIn("\n%s=LocusSeparator;\n" % shown, self.read("tov_pro.txt"))
+
+    def test_fewer_samples_than_declared_are_an_error(self):
+        self.explore(dna_project(NbSamples=3))
+        self.assertIn("Samples::explore(): Unable to extract all population names", self.log())
         self.assertEqual(self.read("tov_pro.txt"), "error\n")
 
     def test_more_than_five_sections_are_an_error(self):

@@ -146,6 +146,34 @@ TEST_F(SettingsSummary, ShowsTheLevelOfTheHardyWeinbergTest) {
     EXPECT_NE(summary().find(line("Steps in Markov chain", "1000000")), std::string::npos);
 }
 
+TEST_F(SettingsSummary, NamesTheKeysThatAnAnalysisReadsInTheOrderOfTheFile) {
+    struct {
+        long bit;
+        std::string lines;
+    } const blocks[] = {
+        {task::standard_indices, line("Allele frequencies at all loci", "No")},
+        {task::linkage_disequilibrium, line("Perform test", "No") + line("Dememorisation steps", "1000") +
+                                           line("Steps or permutations", "100000") + line("Required precision", "0") +
+                                           line("Significance level", "0.05") + line("Summary of tests", "No") +
+                                           line("Initial conditions of EM", "2") + line("Compute D and D'", "No") +
+                                           line("Maximum no. of iterations", "1000") + line("Epsilon value", "1e-07")},
+        {task::genotype_assignment, line("No. of initial conditions", "50") +
+                                        line("Maximum no. of iterations", "1000") + line("Epsilon value", "1e-07")},
+        {task::mantel, line("No. of permutations", "1000")},
+        {task::chakraborty, "\n"},
+    };
+    set.GenotypicData = 1;
+    for (auto const& block : blocks) {
+        set.TaskNumber = block.bit;
+        std::string lines = block.lines;
+        for (std::size_t at; (at = lines.find("\n\n")) != std::string::npos;) lines.erase(at, 1);
+        EXPECT_TRUE(summary().ends_with("-" + lines + "\n")) << summary();
+    }
+    set.TaskNumber = task::haplotype_frequencies;
+    EXPECT_NE(summary().find(line("Recessive alleles", "No") + line("Compact haplotype database", "No").substr(1)),
+              std::string::npos);
+}
+
 TEST_F(SettingsSummary, SkipsGenotypeAssignmentUnlessThePhaseIsUnknown) {
     set.TaskNumber = task::genotype_assignment;
     std::string const sentence =

@@ -13,6 +13,12 @@ TEST(DocText, EscapesMarkupAndNothingElse) {
     EXPECT_EQ(doc_text(""), "");
 }
 
+TEST(DocText, BreaksTheEndOfAnXmlSection) {
+    EXPECT_EQ(doc_text("a]]>b]]]>c]>d>>"), "a]]&gt;b]]]&gt;c]>d>>");
+    EXPECT_EQ(doc_text("]]<>&>"), "]]&lt;>&amp;>");
+    EXPECT_EQ(doc_attribute("]]>"), "]]&gt;");
+}
+
 TEST(DocText, EscapesAnAmpersandThatLooksEscapedAlready) { EXPECT_EQ(doc_text("&lt;"), "&amp;lt;"); }
 
 TEST(DocText, DropsControlCharactersButTabAndNewline) {

@@ -57,6 +57,24 @@ TEST_F(Document, AnchorNameJoinsRunAndArgumentWithoutBlanks) {
     EXPECT_EQ(anchor_name("id", ""), "id");
 }
 
+TEST_F(Document, ARunOfTheSameSecondGetsAnIdOfItsOwn) {
+    std::stringstream script;
+    auto begin_run = [&script] {
+        std::istringstream earlier(script.str());
+        std::string const id = new_run_id(earlier, "05/08/26at12:34:56");
+        TJSOut(script).aux(1, "Run", "p.xml#" + id);
+        TJSOut(script).doc(2, "Settings", "p.xml#" + id + "_run_information");
+        return id;
+    };
+    EXPECT_EQ(begin_run(), "05/08/26at12:34:56");
+    EXPECT_EQ(begin_run(), "05/08/26at12:34:56_2");
+    EXPECT_EQ(begin_run(), "05/08/26at12:34:56_3");
+    std::ifstream missing(path("none.js"));
+    EXPECT_EQ(new_run_id(missing, "05/08/26at12:34:56"), "05/08/26at12:34:56");
+    std::istringstream other_second(script.str());
+    EXPECT_EQ(new_run_id(other_second, "05/08/26at12:34:57"), "05/08/26at12:34:57");
+}
+
 TEST_F(Document, TreeBeginsWithItsOptionsAndItsRoot) {
     TJSOut(out).foldersTree("name.xml", "/work/", "R", "TOVENIA RESULTS (name.tvp)");
     EXPECT_EQ(out.str(),
@@ -244,6 +262,29 @@ TEST_F(Document, FileUrlsAreAbsolute) {
     EXPECT_EQ(file_url("C:\\w\\", "x.js"), "file:///C:/w/x.js");
     EXPECT_EQ(file_url("/w", "D:\\x.js"), "file:///D:/x.js");
     EXPECT_EQ(file_url("", "x.js"), "file:///x.js");
+}
+
+TEST_F(Document, LinksEncodeWhatWouldEndAFileName) {
+    EXPECT_EQ(link_to("50%#1?.xml"), "50%25%231%3F.xml");
+    EXPECT_EQ(link_to("a&b <c>.xml"), "a&b <c>.xml");
+    EXPECT_EQ(file_url("/w#1", "a b.js"), "file:////w%231/a%20b.js");
+    EntryTarget const target{nullptr, path("name.js"), "n#1.xml", "id"};
+    begin_tree_script(target.script, true, "/w/", "n#1.tvp", target.result_file);
+    print_js_aux_entry(target, 1, "", "Run");
+    print_js_doc_entry(target, 2, "_a", "A");
+    std::string const script = content(target.script);
+    EXPECT_TRUE(
+        script.ends_with("foldersTree = gFld(\"<i>TOVENIA RESULTS (n#1.tvp)</i>\", \"n%231.xml\")\n"
+                         "insDoc(foldersTree, gLnk(\"R\", \"Tovenia log file\", \"Tovenia_log.txt\"))\n"
+                         "aux1 = insFld(foldersTree, gFld(\"Run\", \"n%231.xml#id\"))\n"
+                         "insDoc(aux1, gLnk(\"R\", \"A\", \"n%231.xml#id_a\"))\n"))
+        << script;
+    PageNames const names{"n#1.tvp", "n#1_tree.htm", "n#1.xml", "/w/", "", "", ""};
+    print_html_frames(out, names);
+    EXPECT_NE(out.str().find("<FRAME src=\"n%231_tree.htm\""), std::string::npos);
+    EXPECT_NE(out.str().find("<FRAME SRC=\"n%231.xml\""), std::string::npos);
+    print_html_tree_page(out, names);
+    EXPECT_NE(out.str().find("<a href=\"n%231.xml\""), std::string::npos);
 }
 
 TEST_F(Document, ResultPageLiesInTheResultsDirectory) {

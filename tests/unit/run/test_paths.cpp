@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "run/paths.h"
+#include "support/scratch_directory.h"
 
 namespace tov {
 namespace {
@@ -23,10 +24,18 @@ TEST(Paths, DirectoryAndNameTogetherAreThePath) {
 
 TEST(Paths, BackslashesTurnForward) { EXPECT_EQ(forward_slashes("c:\\a\\b/c"), "c:/a/b/c"); }
 
-TEST(Paths, AMissingFileDoesNotOpen) {
-    EXPECT_FALSE(file_opens("/nonexistent/file"));
-    EXPECT_FALSE(current_directory().empty());
+TEST(Paths, AFileOpensAMissingOneAndADirectoryDoNot) {
+    test::ScratchDirectory const scratch;
+    scratch.write("empty", "");
+    scratch.write("full", "x");
+    EXPECT_TRUE(file_opens("empty"));
+    EXPECT_TRUE(file_opens("full"));
+    EXPECT_FALSE(file_opens("missing"));
+    EXPECT_FALSE(file_opens("."));
+    EXPECT_FALSE(file_opens(""));
 }
+
+TEST(Paths, CurrentDirectoryIsKnown) { EXPECT_FALSE(current_directory().empty()); }
 
 }  // namespace
 }  // namespace tov

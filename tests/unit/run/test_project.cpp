@@ -1,6 +1,7 @@
 // Project: designs that can be analysed, groups pooled into samples, allele vectors, adapted tasks, distances.
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <sstream>
 #include <string>
 
@@ -10,6 +11,7 @@
 #include "model/hapldb.h"
 #include "model/sample.h"
 #include "model/struct.h"
+#include "output/xml.h"
 #include "run/errors.h"
 #include "run/project.h"
 #include "support/fresh_process.h"
@@ -54,6 +56,17 @@ protected:
         project.p_set().GenotypicData = project.GenotypicData;
         project.p_set().GameticPhase = project.GameticPhase;
         project.p_sam().init_all_pointers(&project.p_alldb());
+    }
+    /// Runs the project of a text as the run list would, with the tasks given.
+    int run(std::string const& text, long tasks) {
+        directory.write("p.tvp", text);
+        fresh.keep(TXmlTag::time);
+        settings::input_file = "p.tvp";
+        project.build_res_bac_names();
+        project.projectValid = 1;
+        project.p_set().TaskNumber = tasks;
+        project.p_set().keepProjectResults = 0;
+        return project.run();
     }
     [[nodiscard]] std::string log() const { return fresh.log(); }
 
@@ -292,6 +305,135 @@ TEST_F(ProjectTest, RecessiveDataOfKnownPhaseRefuseStructureAnalyses) {
         EXPECT_EQ(project.make_run_possible(), 0);
     }
     EXPECT_NE(log().find("incompatibility between known gametic phase and recessive data"), std::string::npos);
+}
+
+TEST_F(ProjectTest, WithoutAnyPopulationHasNothingToRun) {
+    EXPECT_EQ(project.make_run_possible(), 0);
+    EXPECT_NE(log().find("from function \"Project::make_run_possible()\" : no samples have been defined"),
+              std::string::npos);
+}
+
+TEST_F(ProjectTest, TooFewStepsOfBothChainsAreRaisedInTheOrderOfTheMessages) {
+    open(haplotypic(""));
+    settings& set = project.p_set();
+    set.MarkovChainDememorisationStepsLD = 499;
+    set.MarkovChainDememorisationStepsHW = 100;
+    ASSERT_EQ(project.make_run_possible(), 1);
+    EXPECT_EQ(set.MarkovChainDememorisationStepsLD, 1000);
+    EXPECT_EQ(set.MarkovChainDememorisationStepsHW, 1000);
+    EXPECT_NE(
+        log().find("  check selected settings...\n"
+                   " Too few steps for dememorization (499) in linkage disequilibrium test, setting it to 1000...\n"
+                   " Too few steps for dememorization (1000) in Hardy-Weinberg disequilibrium test, setting it to "
+                   "1000...\n"
+                   "  done!\n"),
+        std::string::npos)
+        << log();
+    set.MarkovChainDememorisationStepsLD = 500;
+    set.MarkovChainDememorisationStepsHW = 500;
+    ASSERT_EQ(project.make_run_possible(), 1);
+    EXPECT_EQ(set.MarkovChainDememorisationStepsLD + set.MarkovChainDememorisationStepsHW, 1000);
+}
+
+TEST_F(ProjectTest, HardyWeinbergIsNotTestedWithRecessiveAlleles) {
+    open(two_genotypic_samples);
+    project.p_set().TaskNumber = task::hardy_weinberg;
+    project.p_set().RecessiveAllelesEM = 1;
+    ASSERT_EQ(project.make_run_possible(), 1);
+    EXPECT_EQ(project.p_set().TaskNumber, 0);
+    EXPECT_NE(log().find("Hardy-Weinberg disequilibrium test is not possible with recessive data\nskipping task..."),
+              std::string::npos);
+}
+
+TEST_F(ProjectTest, FrequenciesAreNotInferredFromAMatrix) {
+    open(
+        "[Profile]\nTitle=\"f\"\nNbSamples=1\nDataType=FREQUENCY\nGenotypicData=0\n[Data]\n[[Samples]]\n"
+        "SampleName=\"a\"\nSampleSize=5\nSampleData={\nx 2\ny 3\n}\n");
+    project.p_set().InferHaplotypeDefinitionFromDistanceMatrix = 1;
+    ASSERT_EQ(project.make_run_possible(), 1);
+    EXPECT_EQ(project.p_set().InferHaplotypeDefinitionFromDistanceMatrix, 0);
+}
+
+TEST_F(ProjectTest, RepeatLengthsAreLookedForInNoData) {
+    open(two_genotypic_samples);
+    fresh.clear_log();
+    project.convertMicrosatToNumberOfRepeats();
+    EXPECT_EQ(log(), "\nSkipping microsat repeat length detection\n");
+    open(haplotypic(""));
+    fresh.clear_log();
+    project.convertMicrosatToNumberOfRepeats();
+    EXPECT_EQ(log(), "");
+}
+
+TEST_F(ProjectTest, SavesItsSettingsBesideIt) {
+    project.p_set().TaskNumber = 77;
+    project.save_associated_set();
+    EXPECT_NE(directory.read("p.tvs").find("\nTaskNumber=77\n"), std::string::npos);
+}
+
+TEST_F(ProjectTest, CleaningRemovesTheFilesOfATranslation) {
+    directory.write("trans_out.txt", "x");
+    directory.write("dum_tov.tvp", "x");
+    directory.write("other.tvp", "x");
+    project.clean();
+    EXPECT_FALSE(directory.has("trans_out.txt"));
+    EXPECT_FALSE(directory.has("dum_tov.tvp"));
+    EXPECT_TRUE(directory.has("other.tvp"));
+}
+
+TEST_F(ProjectTest, ThatIsNotValidRunsNothing) {
+    project.projectValid = 0;
+    EXPECT_EQ(project.run(), 0);
+    EXPECT_EQ(log(), "\n No valid project is opened....\n");
+    EXPECT_EQ(project.runNumber, 0);
+    EXPECT_TRUE(std::filesystem::is_empty(directory.path()));
+}
+
+TEST_F(ProjectTest, ThatIsMissingIsReportedByARun) {
+    project.projectValid = 1;
+    EXPECT_EQ(project.run(), 0);
+    EXPECT_EQ(log(), "   1 #[ERROR # 1] from function \"Project::explore()\" : unable to open project file\n");
+    EXPECT_TRUE(std::filesystem::is_empty(directory.path()));
+}
+
+TEST_F(ProjectTest, ARunLeavesTheProjectEmptyAndItsNamesInTheSettings) {
+    ASSERT_EQ(run(haplotypic(two_groups), task::standard_indices), 1) << log();
+    EXPECT_TRUE(project.p_sam().IsEmpty());
+    EXPECT_EQ(project.p_hdb().size(), 0);
+    EXPECT_EQ(project.get_struct().nb_groups(), 0);
+    EXPECT_EQ(E.results, nullptr);
+    EXPECT_EQ(project.runNumber, 1);
+    settings const& set = project.p_set();
+    EXPECT_EQ(set.project_dir, "p.res/");
+    EXPECT_EQ(set.result_file, "p.res/p.xml");
+    EXPECT_EQ(set.backup_file, "p.bac");
+    EXPECT_EQ(set.ld_output_file, "p.res/ld_dis.xl");
+    EXPECT_EQ(set.tree_script, "p.res/p.js");
+    EXPECT_EQ(set.main_page, "p.res/p_main.htm");
+    EXPECT_EQ(set.tree_page, "p.res/p_tree.htm");
+    EXPECT_EQ(set.tree_code, directory.path().string() + "/ftiens4.js");
+    EXPECT_EQ(set.style_sheet, directory.path().string() + "/ftie4style.css");
+    EXPECT_FALSE(directory.has("p.res/p.tvp"));
+    EXPECT_NE(fresh.console().find(" Computations are over\n"), std::string::npos);
+}
+
+TEST_F(ProjectTest, AStoppedRunIsClosedWithAWarning) {
+    project.p_set().stop = 1;
+    ASSERT_EQ(run(haplotypic(two_groups), task::standard_indices), 1);
+    std::string const warning = " WARNING !!! Process stopped by user. The results may be incorrect\n";
+    EXPECT_NE(log().find(warning), std::string::npos);
+    EXPECT_NE(fresh.console().find(warning), std::string::npos);
+    EXPECT_EQ(fresh.console().find("Computations are over"), std::string::npos);
+    std::string const text = directory.read("p.res/p.xml");
+    EXPECT_TRUE(text.ends_with("////</data>\n\n</Tovenia>\n\n"));
+    EXPECT_NE(text.find("END OF RUN NUMBER 1"), std::string::npos);
+}
+
+TEST_F(ProjectTest, RunsAreCountedWhateverBecomesOfThem) {
+    EXPECT_EQ(run("nothing\n", 0), 0);
+    EXPECT_EQ(run(haplotypic(""), 0), 1);
+    EXPECT_EQ(project.runNumber, 2);
+    EXPECT_NE(directory.read("p.res/p.xml").find("\nRUN NUMBER 2 ("), std::string::npos);
 }
 
 TEST_F(ProjectTest, DistancesCountTheDifferencesBetweenHaplotypes) {
