@@ -11,7 +11,7 @@ namespace {
 constexpr std::size_t most_columns = 1000000;  // of a line; a statement beyond is no format
 constexpr std::size_t most_fields = 100000;    // of an individual
 constexpr int deepest_group = 20;
-constexpr std::size_t most_characters = 10000000;  // of groups, as often as they are repeated
+constexpr std::size_t most_characters = 2000000;  // of groups, as often as they are repeated
 
 /// Reads a statement and walks the columns that it describes.
 class StatementReader {

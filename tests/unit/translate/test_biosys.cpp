@@ -68,7 +68,7 @@ TEST(BiosysFormat, RepeatedGroupsWithoutColumnsComeToAnEnd) {
                                      "1000000(1X" + separators + ")", "1000000(1X," + groups + ")"})
         EXPECT_FALSE(read_format1("(A3," + group + ",2A1)")) << group.substr(0, 40);
     EXPECT_TRUE(read_format1("(A3,2(2(0X)),2A1)"));
-    EXPECT_TRUE(read_format1("(A7,3X,10000(1X,A3,A3))"));
+    EXPECT_TRUE(read_format1("(A7,3X,33000(1X,A3,A3))"));
 }
 
 TEST(BiosysReader, WritesProfileFormatAndSamples) {
