@@ -158,6 +158,7 @@ private:
     void drop_amova_without_structure();
     void adapt_markov_chains();
     void adapt_remaining_tasks();
+    [[nodiscard]] bool mantel_needs_fst() const;
     [[nodiscard]] bool phase_known_or_haplotypic() const;
 
     // Steps of the distance functions (project_distances.cpp).

@@ -136,9 +136,7 @@ void Project::adapt_remaining_tasks() {
     }
     // kept on purpose: no message says that these tests don't run on microsatellites.
     if (DataType == MICROSAT) clear_task(set, task::ewens_watterson | task::chakraborty);
-    // The Mantel test takes its Y from the pairwise FSTs, unless the project gives it.
-    if (set.wants(task::mantel) && !set.wants(task::pairwise_fst) && !(mantel_->Y_type == "custom"))
-        set.TaskNumber |= task::pairwise_fst;
+    if (mantel_needs_fst()) set.TaskNumber |= task::pairwise_fst;
     if (!phase_known_or_haplotypic()) {
         set.PrintMinSpannNetworkPop = 0;
         set.PrintMinSpannNetworkGlob = 0;
@@ -147,6 +145,9 @@ void Project::adapt_remaining_tasks() {
         set.PrintHaplDistMat = 0;
     }
 }
+
+/// The Mantel test takes its Y from the pairwise FSTs, unless the project gives it.
+bool Project::mantel_needs_fst() const { return settings_->wants(task::mantel) && !mantel_->has_custom_Y(); }
 
 /// Samples there, blanks and allele vectors made, data consistent, phenotypes converted. @return 1, or 0 after a
 /// report.
@@ -188,8 +189,8 @@ int Project::make_run_possible() {
                << "      skipping the task...\n";
         clear_task(set, task::genotype_assignment);
     }
-    bool const needs_matrix =
-        set.wants(task::amova | task::pairwise_fst) || (DataType == FREQUENCY && set.EliminateRedondHaplodefs);
+    bool const needs_matrix = set.wants(task::amova | task::pairwise_fst) || mantel_needs_fst() ||
+                              (DataType == FREQUENCY && set.EliminateRedondHaplodefs);
     if (needs_matrix && !adapt_distance_settings()) return 0;
     drop_amova_without_structure();
     adapt_markov_chains();

@@ -31,13 +31,10 @@ void Project::assign_genotypes() {
     IndLikelihood(settings_.get(), samples_.get()).run();
 }
 
-void Project::GenStructCalculations() {
-    convertMicrosatToNumberOfRepeats();
-    gen_struct_calculations(view_of(*this), structure_actions());
-}
+void Project::GenStructCalculations() { gen_struct_calculations(view_of(*this), structure_actions()); }
 
 StructureActions Project::structure_actions() {
-    return {[this] { convert_phenotypes_and_build_vectors(); },
+    return {[this] { convert_phenotypes_and_build_vectors(); }, [this] { convertMicrosatToNumberOfRepeats(); },
             [this](int method, double gamma) { return calc_dist_matrix(method, gamma); },
             [this] { print_distance_matrix(); }};
 }

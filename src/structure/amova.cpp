@@ -18,6 +18,7 @@
 #include "output/style.h"
 #include "output/table.h"
 #include "run/errors.h"
+#include "structure/mantel.h"
 
 namespace tov {
 
@@ -37,10 +38,18 @@ bool amova_wanted(settings const& set) {
     return set.wants(task::amova) && (set.HaplAMOVA != 0 || set.LocByLocAMOVA != 0);
 }
 
-/// Something needs the AMOVA's machinery. The Mantel test alone does, as its Y comes from the pairwise FST.
+/// Something needs the AMOVA's machinery: a design, the pairs of samples, or the Mantel test behind them.
 bool machinery_wanted(settings const& set) {
     return amova_wanted(set) || set.ComputePairwiseFST != 0 || set.PrintMissIntermatchs != 0 ||
            set.wants(task::mantel);
+}
+
+/// Gene copies and their distances are needed. A Mantel test alone needs them unless its Y is given.
+bool distances_wanted(ProjectView const& view) {
+    settings const& set = view.set;
+    bool const pairs = (set.ComputePairwiseFST != 0 || set.PrintMissIntermatchs != 0) &&
+                       (set.wants(task::pairwise_fst) || set.ComputeDeltaMuSqr != 0);
+    return amova_wanted(set) || pairs || (set.wants(task::mantel) && !view.mantel->has_custom_Y());
 }
 
 void number_populations(ProjectView const& view) {
@@ -125,7 +134,7 @@ int run_amova(ProjectView const& view) {
     }
     ScopedSwap<long> const without_amova(set.TaskNumber, tasks);
     observed_fixation = {};
-    if (machinery_wanted(set) && set.wants(task::amova | task::pairwise_fst | task::mantel) && !associate_matrix(view)) {
+    if (distances_wanted(view) && !associate_matrix(view)) {
         return 0;
     }
     number_populations(view);
@@ -140,15 +149,20 @@ Amova::Amova(ProjectView const& view, amova_results* results)
         return;
     }
     time_text_ = creation_time();
-    initialize(gather_input());
-    if (set.wants(task::amova)) {
+    if (distances_wanted(view_)) {
+        initialize(gather_input());
+    }
+    if (amova_wanted(set)) {
         set.build_sigm_histo_f_name();
         print_introduction();
         design_ = select_design();
         run_selected_design();
     }
     if (set.wants(task::pairwise_fst | task::mantel) || set.ComputeDeltaMuSqr != 0) {
+        *_AOS_ << "\tComputing pairwise Fst's ... \n";
+        std::clock_t const start = std::clock();
         CalcPairDist();
+        *_AOS_ << "\tdone ! (" << milliseconds_since(start) << " ms)\n";
     }
     for (int i = 0; i < view_.samples->NbPopulations(); ++i) {
         (*view_.samples)[i]->use_merged_list();

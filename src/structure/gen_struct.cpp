@@ -102,6 +102,18 @@ void run_variance_analyses(ProjectView const& view) {
     }
 }
 
+void convert_genotypes(settings const& set, StructureActions const& actions) {
+    bool const loud = !set.silent_structure;
+    std::clock_t const start = std::clock();
+    if (loud) {
+        *_AOS_ << "\tConverting phenotypic to haplotypic data ...\n";
+    }
+    actions.convert_genotypes();
+    if (loud) {
+        *_AOS_ << "\tdone ! (" << milliseconds_since(start) << " ms)\n";
+    }
+}
+
 }  // namespace
 
 void gen_struct_calculations(ProjectView const& view, StructureActions const& actions) {
@@ -109,11 +121,9 @@ void gen_struct_calculations(ProjectView const& view, StructureActions const& ac
     Samples const& samples = *view.samples;
     if (samples.GenotypicData != 0 && samples.RecessiveData == 0) {
         refuse_conventional(view);
-        std::clock_t const start = std::clock();
-        *_AOS_ << "\tConverting phenotypic to haplotypic data ...\n";
-        actions.convert_genotypes();
-        *_AOS_ << "\tdone ! (" << milliseconds_since(start) << " ms)\n";
+        convert_genotypes(set, actions);
     }
+    actions.convert_repeat_lengths();
     if (samples.GenotypicData != 0 && samples.RecessiveData != 0) {
         set.TaskNumber &= ~(task::amova | task::pairwise_fst);
         set.ofs() << "\n\nThe computation of AMOVA and PAIRWISE FST is"

@@ -97,16 +97,29 @@ std::vector<int> group_sizes_of(Structure const& structure) {
     return sizes;
 }
 
-/// Genotypic samples are read copy by copy, the two of an individual side by side.
-void choose_lists(Structure const& structure) {
-    for (Population* const population : structure.all_populations()) {
-        if (population->is_genotypic()) {
-            population->use_gene_copy_list();
-        } else {
+/// While it lives, genotypic samples are read copy by copy, the two of an individual side by side.
+class CopyByCopy {
+public:
+    explicit CopyByCopy(Structure const& structure) : populations_(structure.all_populations()) {
+        for (Population* const population : populations_) {
+            if (population->is_genotypic()) {
+                population->use_gene_copy_list();
+            } else {
+                population->use_merged_list();
+            }
+        }
+    }
+    ~CopyByCopy() {
+        for (Population* const population : populations_) {
             population->use_merged_list();
         }
     }
-}
+    CopyByCopy(CopyByCopy const&) = delete;
+    CopyByCopy& operator=(CopyByCopy const&) = delete;
+
+private:
+    std::vector<Population*> populations_;  // borrowed
+};
 
 /// One turn of the loop. @return false when the structure can't be analysed.
 bool analyse_locus(ProjectView const& view, int locus, AMOVA_table& table) {
@@ -121,7 +134,7 @@ bool analyse_locus(ProjectView const& view, int locus, AMOVA_table& table) {
         return true;
     }
     if (!is_amova_structure(*view.structure)) {
-        E.error(ErrorType::Warning, "Project::AMOVA()", 134);
+        E.error(ErrorType::Error, "Project::AMOVA()", 134);
         return false;
     }
     auto results = std::make_unique<amova_results>();
@@ -186,7 +199,7 @@ void locus_by_locus_amova(ProjectView const& view) {
     print_locus_by_locus_heading(view);
     AMOVA_table table;
     std::vector<int> single_allele;
-    choose_lists(*view.structure);
+    CopyByCopy const lists(*view.structure);
     int const loci = view.haplotypes->size() > 0 ? (*view.haplotypes)[0].nb_loci() : 0;
     for (int locus = 0; locus < loci; ++locus) {
         if (locus >= view.alleles->nb_loci()) {
@@ -201,9 +214,6 @@ void locus_by_locus_amova(ProjectView const& view) {
         if (!analyse_locus(view, locus, table)) {
             return;
         }
-    }
-    for (Population* const population : view.structure->all_populations()) {
-        population->use_merged_list();
     }
     *_AOS_ << "\tEnd of locus-by-locus computations\n";
     print_locus_by_locus_results(view, table, single_allele);

@@ -19,7 +19,7 @@ class TLocus;
 
 /// Alleles of one locus over the samples of a structure.
 struct OneLocus {
-    AmovaInput input;   ///< sizes, distances and gene copies, missing data left out
+    AmovaInput input;       ///< sizes, distances and gene copies, missing data left out
     int empty_sample = -1;  ///< a sample without data: the locus can't be used
 };
 
@@ -33,7 +33,8 @@ void locus_by_locus_amova(ProjectView const& view);
 
 /// What the genetic structure calculations need from the project around them.
 struct StructureActions {
-    std::function<void()> convert_genotypes;             ///< genotypes to haplotypes and allele vectors, once a run
+    std::function<void()> convert_genotypes;       ///< genotypes to haplotypes and allele vectors, once a run
+    std::function<void()> convert_repeat_lengths;  ///< microsatellite alleles to numbers of repeats
     std::function<int(int, double)> calc_dist_matrix;
     std::function<void()> print_distance_matrix;
 };

@@ -50,7 +50,7 @@ private:
 }  // namespace
 
 double Mantel::FstMatr_funct(int i, int j, TriMat& fst) {
-    if (Y_type == Y_types[5]) {
+    if (has_custom_Y()) {
         return Y_custom(i, j);
     }
     double const f = fst(i, j);

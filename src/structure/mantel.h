@@ -61,6 +61,8 @@ public:
     void do_mantel_test(TriMat& fst, std::vector<Population*> const& populations, ProjectView const& view, int nperm);
     /// Element (i, j) of Y, by the type of Y.
     [[nodiscard]] double FstMatr_funct(int i, int j, TriMat& fst);
+    /// Y is given by the project: no distances between samples are needed.
+    [[nodiscard]] bool has_custom_Y() const { return Y_type == Y_types[5]; }
     void compute_correlation(RectMat& Y, RectMat& X1);
     void compute_correlation(RectMat& Y, RectMat& X1, RectMat& X2);
     void test_correlation(RectMat& Y, RectMat& X1, int const& nperm);

@@ -39,7 +39,7 @@ std::optional<int> place_of(my_string const& label, std::vector<Population*> con
 }
 
 void print_matrix(std::ostream& out, std::string_view name, RectMat const& matrix) {
-    out << "  " << name << "={\n";
+    out << "  " << name << "={";
     matrix.display_matrix(out);
     out << "  }\n";
 }
@@ -86,7 +86,7 @@ void Mantel::do_mantel_test(TriMat& fst, std::vector<Population*> const& populat
         return;
     }
     std::ostream& out = view.set.ofs();
-    bool const custom = Y_type == Y_types[5];
+    bool const custom = has_custom_Y();
     std::vector<int> y_index, x_index;
     bool missing = false;
     for (int i = 0; i < m && !missing; ++i) {
@@ -146,9 +146,7 @@ void Mantel::do_mantel_test(TriMat& fst, std::vector<Population*> const& populat
         print_correlations(out);
         test_correlation(Y, Xa, Xb, nperm);
     }
-    if (nperm > 0) {
-        print_p_values(out);
-    }
+    print_p_values(out);
 }
 
 void Mantel::print_correlations(std::ostream& os) const {
@@ -180,13 +178,13 @@ void Mantel::print_correlations(std::ostream& os) const {
                      {"\nSum of products (SP(X1,X1))       : ", SP12},
                      {"\n\nRegression coefficient (bY1)      : ", bY1},
                      {"\nRegression coefficient (bY2)      : ", bY2},
-                     {"\n\nPartial regression coefficient (bY1.2) : ", bY1_2},
-                     {"\nPartial regression coefficient (bY2.1) : ", bY2_1},
+                     {"\n\nPartial regression coefficient (bY1_2) : ", bY1_2},
+                     {"\nPartial regression coefficient (bY2_1) : ", bY2_1},
                      {"\n\nCorrelation coefficient (rY1)     : ", rY1},
                      {"\nCorrelation coefficient (rY2)     : ", rY2},
                      {"\nCorrelation coefficient (r12)     : ", r12},
-                     {"\n\nPartial correlation (rY1.2)       : ", rY1_2},
-                     {"\nPartial correlation (rY2.1)       : ", rY2_1},
+                     {"\n\nPartial correlation (rY1_2)       : ", rY1_2},
+                     {"\nPartial correlation (rY2_1)       : ", rY2_1},
                      {"\n\nDetermination of Y by X1(%)       : ", b1 * b1 + b1 * b2 * r12},
                      {"\nDetermination of Y by X2(%)       : ", b2 * b2 + b1 * b2 * r12},
                      {"\nTotal determination of Y (%)      : ", R2},
@@ -198,8 +196,8 @@ void Mantel::print_p_values(std::ostream& os) const {
     print_counts(os, "rY1", P_rY1, count_rY1);
     if (nb_matrices == 3) {
         print_counts(os, "rY2", P_rY2, count_rY2);
-        print_counts(os, "rY1.2", P_rY1_2, count_rY1_2);
-        print_counts(os, "rY2.1", P_rY2_1, count_rY2_1);
+        print_counts(os, "rY1_2", P_rY1_2, count_rY1_2);
+        print_counts(os, "rY2_1", P_rY2_1, count_rY2_1);
     }
     os << "\n";
 }

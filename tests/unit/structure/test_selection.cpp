@@ -373,6 +373,7 @@ struct StoppedDetection {
         std::vector<long> const before = borrowed_settings(set);
         StructureActions actions;
         actions.convert_genotypes = [&] { set.stop = stop; };
+        actions.convert_repeat_lengths = [] {};
         actions.calc_dist_matrix = [](int, double) { return 1; };
         actions.print_distance_matrix = [] {};
         detect_selected_loci(project.view, actions, false);
