@@ -6,6 +6,7 @@
 #include <ostream>
 
 #include "base/dmat.h"
+#include "base/scoped_swap.h"
 #include "base/timing.h"
 #include "demography/broyden.h"
 #include "diversity/popgen.h"
@@ -151,6 +152,8 @@ private:
 
     bool test(int i, int j, PairSums& sums, std::vector<int>& v, PairStatistics const& observed,
               DivergenceEstimate const& estimate) {
+        // Hundreds of arrangements may have no solution: the log tells of each, the document keeps its tables.
+        ScopedSwap<std::ostream*> const quiet_document(E.results, nullptr);
         double const p1 = 1.0 / observed.n;
         double const p2 = -observed.c / observed.n;
         PairCounts counts;
@@ -225,13 +228,13 @@ int Amova::CalcPairDist() {
     Samples const& samples = *view_.samples;
     int const R = samples.NbPopulations();
     bool const phase_known = samples.GenotypicData == 0 || samples.GameticPhase != 0;
+    PairTasks tasks = tasks_of(set, phase_known);
     if (!phase_known && set.RecessiveAllelesEM != 0) {
         set.ofs() << "Population pairwise FSTs not possible with recessive Data";
         return 0;
     }
-    PairTasks tasks = tasks_of(set, phase_known);
     bool const mantel = set.wants(task::mantel);
-    if (mantel && view_.mantel->Y_type != view_.mantel->Y_types[5]) {
+    if (mantel && !view_.mantel->has_custom_Y()) {
         tasks.fst = true;
     }
     auto results = std::make_unique<PairwiseResults>(R);
@@ -247,7 +250,6 @@ int Amova::CalcPairDist() {
     }
     settings::set_message("Computing pairwise distances...");
     settings::print_message();
-    *_AOS_ << "\tComputing pairwise Fst's ... \n";
     std::clock_t const start = std::clock();
     std::vector<std::vector<int>> genes;
     for (int i = 0; i < R; ++i) {
@@ -290,7 +292,6 @@ int Amova::CalcPairDist() {
         }
         view_.mantel->do_mantel_test(latest->fst, populations, view_, static_cast<int>(set.NumPermMantel));
     }
-    *_AOS_ << "\tdone ! (" << milliseconds_since(start) << " ms)\n";
     return 1;
 }
 

@@ -2,6 +2,7 @@
 #include "structure/pairdist_report.h"
 
 #include <cmath>
+#include <optional>
 #include <ostream>
 #include <string>
 #include <vector>
@@ -27,11 +28,15 @@ public:
 
     void print() {
         print_head();
-        if (set_.PrintFstVals != 0) {
+        bool const fst = set_.PrintFstVals != 0 && r_.has_fst;
+        if (fst) {
             print_fst();
         }
         if (set_.PrintMissIntermatchs != 0) {
             print_differences();
+        }
+        if (r_.tested) {
+            print_difference_tests();
         }
         if (set_.ComputeDeltaMuSqr != 0) {
             title("Delta mu-square distance between all pairs of populations");
@@ -41,7 +46,7 @@ public:
         if (set_.UnequalPopSizeDiv != 0 && set_.PrintMissIntermatchs != 0) {
             print_divergence();
         }
-        if (set_.PrintFstVals != 0) {
+        if (fst) {
             print_derived();
         }
     }
@@ -117,12 +122,13 @@ private:
             form.cells = Cells::square;
             number_matrix(out_, number_labels(n_), form, [this](int i, int j) { return r_.differences(i, j); });
         }
-        if (r_.tested) {
-            title("PXY P value");
-            p_values(r_.p_pixy);
-            title("Corrected PXY P value");
-            p_values(r_.p_corrected);
-        }
+    }
+
+    void print_difference_tests() {
+        title("PXY P value");
+        p_values(r_.p_pixy);
+        title("Corrected PXY P value");
+        p_values(r_.p_corrected);
     }
 
     /// A triangle of P-values with "*" on the diagonal.
@@ -142,11 +148,15 @@ private:
             12);
     }
 
+    /// @param tag  element around the values; null for none.
     void estimate(std::string_view name, char const* tag, TriMat const& values, std::string_view p_name,
                   TriMat const& p) {
         title(name);
         {
-            XmlSection const section(out_, tag);
+            std::optional<XmlSection> section;
+            if (tag != nullptr) {
+                section.emplace(out_, tag);
+            }
             starred(values);
         }
         if (r_.tested) {
@@ -161,11 +171,11 @@ private:
         print_references(out_, {"takahata_nei1985"});
         out_ << "\nAn * denotes the cases where the estimation of divergence time did not converge\n";
         estimate("tau values", "tauMatrix", d.tau, "tau P values", d.p_tau);
-        estimate("Unequal population sizes (k)", "unequalPopSize", d.k, "k P values", d.p_k);
+        estimate("Unequal population sizes (k)", nullptr, d.k, "k P values", d.p_k);
         estimate("Ancestral population sizes (theta0)", "ancestralPopSize", d.theta0, "theta0 P values", d.p_theta0);
     }
 
-    /// A matrix that is derived from the FST: 0 for a negative FST, "inf" from 1 on.
+    /// A matrix that is derived from the FST: "0" for a negative FST, "inf" from 1 on.
     void derived(std::string_view name, char const* tag, char const* reference, double (*value)(double) noexcept) {
         title(name);
         out_ << "(M=N for haploid data, M=2N for diploid data)\n";
@@ -174,8 +184,9 @@ private:
         lower_triangle(
             out_, n_,
             [&](int i, int j) {
-                double const x = i == j ? 0.0 : value(r_.fst(i, j));
-                return std::isinf(x) ? std::string("inf\t") : number_text(x, 5);
+                double const fst = i == j ? 0.0 : r_.fst(i, j);
+                double const x = value(fst);
+                return fst < 0.0 ? std::string("0") : std::isinf(x) ? std::string("inf\t") : number_text(x, 5);
             },
             10);
     }

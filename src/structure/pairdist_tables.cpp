@@ -28,10 +28,7 @@ std::string block_head(Samples const& samples, std::string_view file) {
 
 /// One matrix of n samples; cell(i, j) gives its values.
 template <class Cell>
-void write_matrix(BatchStream const& table, std::string const& head, int n, Shape shape, Cell const& cell) {
-    if (!table) {
-        return;
-    }
+std::string matrix_rows(int n, Shape shape, Cell const& cell) {
     std::ostringstream text;
     for (int i = 0; i < n; ++i) {
         int const columns = shape == Shape::square ? n : i + 1;
@@ -46,7 +43,27 @@ void write_matrix(BatchStream const& table, std::string const& head, int n, Shap
         }
         text << '\n';
     }
-    *table << head << text.str() << std::flush;
+    return text.str();
+}
+
+template <class Cell>
+void write_matrix(BatchStream const& table, std::string const& head, int n, Shape shape, Cell const& cell) {
+    if (table) {
+        *table << head << matrix_rows(n, shape, cell) << std::flush;
+    }
+}
+
+/// The P-values of the FST below a line with their number of permutations; "*" stands on the diagonal.
+std::string p_value_rows(PairwiseResults const& results, int n) {
+    std::ostringstream text;
+    text << "p-Values matrix : No of permutations : " << results.plan.permutations << '\n';
+    for (int i = 0; i < n; ++i) {
+        for (int j = 0; j < i; ++j) {
+            text << results.p_fst(i, j) << '\t';
+        }
+        text << "*\n";
+    }
+    return text.str();
 }
 
 }  // namespace
@@ -62,6 +79,9 @@ void write_pairwise_tables(PairwiseResults const& results, Samples const& sample
         return [&results, value](int i, int j) { return i == j ? 0.0 : value(results.fst(i, j)); };
     };
     triangle(ofs_pairw_dist, fst);
+    if (ofs_pairw_dist && results.tested) {
+        *ofs_pairw_dist << p_value_rows(results, n) << std::flush;
+    }
     triangle(ofs_FST_dist, fst);
     triangle(ofs_varComp_dist, [&](int i, int j) { return results.va(i, j); });
     write_matrix(ofs_pairw_diffs, head, n, Shape::square, [&](int i, int j) { return results.differences(i, j); });

@@ -108,16 +108,30 @@ class TablesOfARunList(ThreeProjects):
 
     def test_matrices_of_pairs(self):
         self.with_tables()
-        shapes = {"pairdist": [1, 2, 3], "FSTdist": [1, 2, 3], "VCompdist": [1, 2, 3], "pairdiff": [3, 3, 3],
-                  "tau_uneq": [1, 2, 3], "coanst_c": [1, 2, 3], "slatkin": [1, 2, 3], "NM_value": [1, 2, 3]}
+        triangle = [1, 2, 3]
+        shapes = {"pairdist": triangle + [1] + triangle, "FSTdist": triangle, "VCompdist": triangle,
+                  "pairdiff": [3, 3, 3], "tau_uneq": triangle, "coanst_c": triangle, "slatkin": triangle,
+                  "NM_value": triangle}
         for table, shape in shapes.items():
             lines = self.read(table + ".sum").split("\tfile_name\n", 1)[1].splitlines()
-            self.assertEqual(len(lines), 3 * 5, table)
+            length = 2 + len(shape)
+            self.assertEqual(len(lines), 3 * length, table)
             for block in range(3):
-                head, labels, *matrix = lines[5 * block:5 * block + 5]
+                head, labels, *matrix = lines[length * block:length * (block + 1)]
                 self.assertRegex(head, r'^".*\.tvp"$')
                 self.assertEqual(len(labels.split("\t")), 3)
                 self.assertEqual([len(row.split("\t")) for row in matrix], shape, table)
+
+    def test_p_values_of_the_pairs_stand_below_their_fst(self):
+        self.with_tables()
+        lines = self.read("pairdist.sum").split("\tfile_name\n", 1)[1].splitlines()[:9]
+        self.assertEqual(lines[5], "p-Values matrix : No of permutations : 12")
+        for i, line in enumerate(lines[6:]):
+            *p_values, last = line.split("\t")
+            self.assertEqual(last, "*")
+            self.assertEqual(len(p_values), i)
+            for p in p_values:
+                self.assertAlmostEqual(float(p) * 13, round(float(p) * 13), delta=1e-4)
 
     def test_linkage_side_table_names_each_sample_once(self):
         self.run_three()

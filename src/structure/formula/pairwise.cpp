@@ -178,8 +178,8 @@ PairOfSums PairSums::in_order() {
 }
 
 double coancestry_distance(double fst) noexcept {
-    if (fst < 0.0) {
-        return 0.0;
+    if (fst <= 0.0) {
+        return 0.0;  // not -0 for an FST of 0
     }
     return fst >= 1.0 ? std::numeric_limits<double>::infinity() : -std::log(1.0 - fst);
 }

@@ -399,6 +399,7 @@ TEST(PairwiseDistances, AnEmptySampleHasNoCoefficient) { EXPECT_EQ(pair_statisti
 
 TEST(PairwiseDistances, DerivedDistancesAreZeroBelowZeroAndInfiniteFromOne) {
     EXPECT_EQ(coancestry_distance(-0.2), 0.0);
+    EXPECT_FALSE(std::signbit(coancestry_distance(0.0)));
     EXPECT_TRUE(std::isinf(coancestry_distance(1.0)));
     EXPECT_DOUBLE_EQ(coancestry_distance(0.5), std::log(2.0));
     EXPECT_EQ(linearised_fst(-0.2), 0.0);
