@@ -48,7 +48,7 @@ int Amova::run_design(AmovaDesign const& design, std::vector<Statistic> const& s
     results_->set_amova_results(table_);
     results_->locus = locus_;
     bool const fis = design.individuals && set.PopSpecificFIS != 0;
-    bool const fst = !design.individuals && sizes_.groups() == 1 && set.PopSpecificFST != 0 && table_.v_total != 1e-18;
+    bool const fst = !design.individuals && sizes_.groups() == 1 && set.PopSpecificFST != 0;
     if (fst) {
         results_->fst_per_pop = population_fst(table_, sizes_, S_, sums_.Nu);
     }
@@ -58,7 +58,7 @@ int Amova::run_design(AmovaDesign const& design, std::vector<Statistic> const& s
     }
     if (print_) {
         print_table(design);
-        if (fst) {
+        if (fst && table_.v_total != 1e-18) {
             print_population_fst();
         }
         if (fis && plan_.permutations == 0) {

@@ -1,9 +1,11 @@
 // Tables of an AMOVA locus by locus, and the averages over loci.
 #include "structure/amova_table.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <ostream>
+#include <string>
 #include <string_view>
 
 #include "input/settings.h"
@@ -173,6 +175,13 @@ void AMOVA_table::print_Fis_per_pop_table(std::ostream& out, int column, bool re
 
 namespace {
 
+/// Label of a row of the average, its last line filled up to the column of the sums of squares.
+std::string row_label(std::string label) {
+    constexpr std::size_t column = 17;
+    std::size_t const last_line = label.size() - (label.rfind('\n') + 1);
+    return label.append(column - std::min(column, last_line), ' ');
+}
+
 /// The averages of one table.
 class LocusAverage {
 public:
@@ -201,10 +210,11 @@ public:
         for (int k = 0; k < levels(case_); ++k) {
             ssd_total += ssd_[k];
             double const share = total_ != 0.0 ? 100.0 * variance_[k] / total_ : 0.0;
-            out << case_.labels[k] << num{ssd_[k], 15, 3} << num{variance_[k], 15, 5} << " " << component_names[k]
+            out << row_label(case_.labels[k]) << num{ssd_[k], 15, 3} << num{variance_[k], 15, 5} << " " << component_names[k]
                 << num{share, 17, 2} << "\n\n";
         }
-        out << rule{70} << "\n Total" << num{ssd_total, 22, 3} << num{total_, 15, 5} << "\n" << rule{70} << "\n";
+        out << rule{70} << "\n" << row_label(" Total") << num{ssd_total, 15, 3} << num{total_, 15, 5} << "\n"
+            << rule{70} << "\n";
         out << "\nAverage F-Statistics over all loci\n Fixation Indices\n";
         for (AmovaIndexSlot const slot : case_.averages) {
             out << "       " << index_name(slot) << " : " << num{component_ratio(ratio(slot), variance_), 12, 5}

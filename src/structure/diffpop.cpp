@@ -167,10 +167,9 @@ void DiffInterPop::print_global(ChainOutcome const& outcome) const {
 void DiffInterPop::print_pairs() {
     std::ostream& out = set_->ofs();
     int const R = samples_->NbPopulations();
-    DifferentiationPlan const plan(set_->NumPermutPopDiff);
     out << "\n\n" << rule{74} << "\nDifferentiation test between all pairs of samples:"
         << "\n--------------------------------------------------\n"
-        << "\nMarkov chain length : " << plan.batch_length * plan.batches << " steps)\n\n"
+        << "\nMarkov chain length : " << DifferentiationPlan(set_->NumPermutPopDiff).steps << " steps)\n\n"
         << "Non-differentiation exact P values :\n\n";
     p_values_.clear();
     int const label_width = 6;
@@ -213,6 +212,7 @@ void DiffInterPop::print_significance() const {
         << "\nTable of significant differences (significance level=" << num{level, 0, 4} << "):"
         << "\n--------------------------------\n\n";
     MatrixForm form;
+    form.cells = Cells::square;
     form.label_width = form.cell_width = 6;
     significance_matrix(out, labels, form, p, level);
     out << "\n\n" << rule{60} << "\nHistogram of the number of significant different populations (significance level="

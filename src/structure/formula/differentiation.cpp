@@ -5,12 +5,13 @@
 
 namespace tov {
 
-DifferentiationPlan::DifferentiationPlan(long steps) noexcept {
+DifferentiationPlan::DifferentiationPlan(long asked) noexcept : steps(asked) {
     constexpr long long_chain = 50000;
     constexpr long short_chain = 20000;
-    if (steps < 1) return;
-    batch_length = steps > long_chain ? 10000 : steps < short_chain ? 2000 : 5000;
-    batches = (steps < short_chain ? short_chain : steps) / batch_length;
+    if (asked < 1) return;
+    steps = std::max(asked, short_chain);
+    batch_length = asked > long_chain ? 10000 : asked < short_chain ? 2000 : 5000;
+    batches = steps / batch_length;
 }
 
 namespace {

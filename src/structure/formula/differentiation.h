@@ -22,10 +22,11 @@ namespace tov {
 
 /// Lengths of a test.
 struct DifferentiationPlan {
+    long steps = 0;         ///< asked, raised to 20000; those of whole batches are made
     long batch_length = 0;  ///< 10000 above 50000 steps, 2000 below 20000 (then 20000 steps are made), otherwise 5000
     long batches = 0;       ///< whole batches in the steps; none when no steps are asked
 
-    explicit DifferentiationPlan(long steps) noexcept;
+    explicit DifferentiationPlan(long asked) noexcept;
 };
 
 /// Which chain walks the table.
