@@ -1,56 +1,15 @@
 """Genetic structure in whole runs: AMOVA, distances between samples, locus by locus, exact tests, Mantel, groups."""
-import random
 import re
 import unittest
 
 import support
-
-
-def project(samples, structure, genotypic=0, loci=None, extra="", **profile):
-    """Text of a STANDARD project: samples is a list of (name, list of definitions)."""
-    keys = dict(Title='"Structure"', NbSamples=len(samples), DataType="STANDARD", GenotypicData=genotypic,
-                LocusSeparator="WHITESPACE", MissingData="'?'")
-    if genotypic:
-        keys["GameticPhase"] = 0
-    keys.update(profile)
-    lines = ["[Profile]"] + ["%s=%s" % item for item in keys.items()] + ["[Data]", "[[Samples]]"]
-    for name, definitions in samples:
-        lines += ['SampleName="%s"' % name, "SampleSize=%d" % len(definitions), "SampleData={"]
-        for number, definition in enumerate(definitions):
-            if genotypic:
-                lines += ["i%d 1 %s" % (number, definition[0]), definition[1]]
-            else:
-                lines += ["h_%s 1 %s" % (definition.replace(" ", "_").replace("?", "m"), definition)]
-        lines += ["}"]
-    if structure:
-        lines += ["[[Structure]]", 'StructureName="Test"', "NbGroups=%d" % len(structure)]
-        for group in structure:
-            lines += ["Group={"] + ['"%s"' % name for name in group] + ["}"]
-    return "\n".join(lines) + "\n" + extra
-
-
-def haplotypes(seed, loci, copies, shift=0.0):
-    generator = random.Random(seed)
-    merged = [" ".join("1" if generator.random() < 0.5 + shift else "0" for _ in range(loci)) for _ in range(copies)]
-    return merged
-
-
-def individuals(seed, loci, number, shift=0.0):
-    generator = random.Random(seed)
-    return [[" ".join("A" if generator.random() < 0.4 + shift else "B" for _ in range(loci)) for _ in range(2)]
-            for _ in range(number)]
-
-
+from structure_projects import individuals, project, value_after
 
 
 AMOVA = dict(TaskNumber=512, HaplAMOVA=1, NumPermutationsAMOVA=100, ComputeDistanceMatrixAMOVA=1)
 THREE = [("A", individuals(1, 4, 10)), ("B", individuals(2, 4, 12)), ("C", individuals(3, 4, 9, 0.3)),
          ("D", individuals(4, 4, 11, 0.3))]
 TWO_GROUPS = [("A", "B"), ("C", "D")]
-
-
-def value_after(text, label):
-    return float(re.search(re.escape(label) + r"\s*(-?[0-9.]+)", text).group(1))
 
 
 class Amova(support.RunTestCase):

@@ -4,8 +4,11 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <string>
+#include <vector>
 
 #include "base/random.h"
+#include "support/fresh_process.h"
 
 using namespace tov;
 
@@ -109,6 +112,43 @@ TEST(DivergenceTime, EveryRetrySpendsThreeDraws) {
     EXPECT_EQ(draws, 9);
 }
 
+TEST(DivergenceTime, ANegativeAncestralThetaIsNoSolution) {
+    // Started at negative differences, the equations hold at once with a negative theta.
+    TSolveDivTimes negative(-2.0L, -2.0L, -2.0L);
+    bool failed = false;
+    EXPECT_GT(draws_of([&] { failed = negative.solve(3); }), 0);
+    EXPECT_TRUE(failed);
+    EXPECT_LT(negative.theta0(), 0.0);
+}
+
+TEST(DivergenceTime, AFailedTryIsReportedAndTheNextFollows) {
+    test::FreshProcess fresh;
+    static std::vector<int> codes;
+    codes.clear();
+    Errors::ErrorProc = [](ErrorType type, my_string const& function, int code) {
+        EXPECT_EQ(type, ErrorType::Error);
+        EXPECT_NE(function.str().find(code == 185 ? "lnsrch" : "broydn"), std::string::npos) << code;
+        codes.push_back(code);
+    };
+    TSolveDivTimes impossible(2.8042603350526805L, 0.8536699790069064L, 1.743296569289637L);
+    EXPECT_TRUE(impossible.solve(50));
+    EXPECT_GT(codes.size(), 0u);
+    EXPECT_LE(codes.size(), 50u);
+    for (int const code : codes) {
+        EXPECT_GE(code, 182);
+        EXPECT_LE(code, 185);
+    }
+}
+
+TEST(DivergenceTime, ValueBeforeTheFirstTryIsThatOfTheMoments) {
+    // Equal sizes without divergence: theta is their mean and nothing is left to solve.
+    TSolveDivTimes same(3.0L, 3.0L, 3.0L);
+    EXPECT_EQ(draws_of([&] { EXPECT_FALSE(same.solve(50)); }), 0);
+    EXPECT_DOUBLE_EQ(same.theta0(), 3.0);
+    EXPECT_DOUBLE_EQ(same.k(), 0.5);
+    EXPECT_DOUBLE_EQ(same.T(), 0.0);
+}
+
 TEST(DivergenceTime, RecoversAGridOfKnownParameters) {
     for (double const k : {1.0, 3.0, 10.0}) {
         for (double const p : {0.3, 0.4, 0.5, 0.6, 0.7}) {
@@ -124,6 +164,7 @@ TEST(DivergenceTime, RecoversAGridOfKnownParameters) {
                 }
                 EXPECT_NEAR(solver.theta0(), k, 0.05 * (k + t)) << k << ' ' << p << ' ' << t;
                 EXPECT_NEAR(solver.T(), t, 0.05 * (k + t)) << k << ' ' << p << ' ' << t;
+                EXPECT_NEAR(solver.k(), p, 0.05) << k << ' ' << p << ' ' << t;
             }
         }
     }

@@ -6,7 +6,6 @@
 #include <cmath>
 #include <random>
 
-#include "structure/formula/permutation_p.h"
 #include "structure/formula/variance_components.h"
 #include "support/structure_data.h"
 
@@ -79,7 +78,12 @@ struct Anova {
     std::vector<double> ss, variance;
 };
 
-Anova nested_anova(std::vector<Factor> const& factors, std::vector<int> const& alleles, int kinds) {
+/// What the distance of two gene copies is.
+enum class Distance { zero_or_one, squared_size };
+
+/// The 0/1 distance is half the sum of the squared differences of allele indicators, that of sizes the squared
+/// difference itself.
+Anova nested_anova(std::vector<Factor> const& factors, std::vector<int> const& alleles, int kinds, Distance distance) {
     std::size_t const n = alleles.size();
     std::size_t const levels = factors.size() + 1;
     Matrix coarser = projection(Factor(n, 0));
@@ -98,13 +102,20 @@ Anova nested_anova(std::vector<Factor> const& factors, std::vector<int> const& a
     }
     Anova result;
     result.ss.assign(levels, 0.0);
-    for (int a = 0; a < kinds; ++a) {
-        std::vector<double> x(n);
-        for (std::size_t i = 0; i < n; ++i) {
-            x[i] = alleles[i] == a ? 1.0 : 0.0;
-        }
+    auto const add = [&](std::vector<double> const& x, double weight) {
         for (std::size_t k = 0; k < levels; ++k) {
-            result.ss[k] += 0.5 * quadratic(steps[k], x);
+            result.ss[k] += weight * quadratic(steps[k], x);
+        }
+    };
+    if (distance == Distance::squared_size) {
+        add(std::vector<double>(alleles.begin(), alleles.end()), 1.0);
+    } else {
+        for (int a = 0; a < kinds; ++a) {
+            std::vector<double> x(n);
+            for (std::size_t i = 0; i < n; ++i) {
+                x[i] = alleles[i] == a ? 1.0 : 0.0;
+            }
+            add(x, 0.5);
         }
     }
     // E[SS of level k] = sum over this and finer levels of the component times its trace; solved from the finest up.
@@ -155,9 +166,14 @@ struct Observed {
     GroupSums groups;
 };
 
-Observed observe(RandomData const& data, bool individuals) {
+Observed observe(RandomData const& data, bool individuals, Distance distance) {
     TriMat matrix(data.kinds);
-    matrix.set_conventional_fst(1);
+    matrix.set_conventional_fst(distance == Distance::zero_or_one);
+    for (int i = 0; i < data.kinds && distance == Distance::squared_size; ++i) {
+        for (int j = 0; j < i; ++j) {
+            matrix.set_data((i - j) * (i - j), i, j);
+        }
+    }
     PairDistances const distances(matrix, data.kinds);
     Observed o;
     o.sizes = StructureSizes(data.copies, data.groups);
@@ -185,32 +201,42 @@ void expect_equal(VarianceTable const& t, Anova const& a, std::string const& wha
 
 }  // namespace
 
+namespace {
+
+/// All designs on one set of random data of several groups, of one group and of one population.
+void expect_every_design(std::mt19937& random, bool balanced, Distance distance, std::string const& what) {
+    auto const anova = [distance](std::vector<Factor> const& factors, RandomData const& data) {
+        return nested_anova(factors, data.alleles, data.kinds, distance);
+    };
+    RandomData const many(random, 3, balanced);
+    Observed const haplotypes = observe(many, false, distance), individuals = observe(many, true, distance);
+    expect_equal(groups_haplotypes(haplotypes.sizes, haplotypes.sums, haplotypes.groups),
+                 anova({many.group, many.population}, many), what);
+    expect_equal(groups_individuals(individuals.sizes, individuals.sums, individuals.groups),
+                 anova({many.group, many.population, many.individual}, many), what);
+    RandomData const one(random, 1, balanced);
+    Observed const flat = observe(one, false, distance), flat_individuals = observe(one, true, distance);
+    expect_equal(one_group_haplotypes(flat.sizes, flat.sums), anova({one.population}, one), what);
+    expect_equal(one_group_individuals(flat_individuals.sizes, flat_individuals.sums),
+                 anova({one.population, one.individual}, one), what);
+    RandomData single(random, 1, balanced);
+    std::size_t const copies = static_cast<std::size_t>(single.copies[0]);
+    single.alleles.resize(copies);
+    single.individual.resize(copies);
+    single.copies.resize(1);
+    single.groups = {1};
+    expect_equal(one_population_individuals(observe(single, true, distance).sums), anova({single.individual}, single),
+                 what);
+}
+
+}  // namespace
+
 TEST(NestedAnova, EveryDesignEqualsItsExpectedMeanSquares) {
     std::mt19937 random(11);
-    for (int trial = 0; trial < 24; ++trial) {
+    for (int trial = 0; trial < 48; ++trial) {
         bool const balanced = trial % 3 == 0;
-        std::string const what = "data set " + std::to_string(trial);
-        RandomData const many(random, 3, balanced);
-        Observed const haplotypes = observe(many, false), individuals = observe(many, true);
-        expect_equal(groups_haplotypes(haplotypes.sizes, haplotypes.sums, haplotypes.groups),
-                     nested_anova({many.group, many.population}, many.alleles, many.kinds), what);
-        expect_equal(groups_individuals(individuals.sizes, individuals.sums, individuals.groups),
-                     nested_anova({many.group, many.population, many.individual}, many.alleles, many.kinds), what);
-        RandomData const one(random, 1, balanced);
-        Observed const flat = observe(one, false), flat_individuals = observe(one, true);
-        expect_equal(one_group_haplotypes(flat.sizes, flat.sums),
-                     nested_anova({one.population}, one.alleles, one.kinds), what);
-        expect_equal(one_group_individuals(flat_individuals.sizes, flat_individuals.sums),
-                     nested_anova({one.population, one.individual}, one.alleles, one.kinds), what);
-        RandomData single(random, 1, balanced);
-        std::size_t const copies = static_cast<std::size_t>(single.copies[0]);
-        single.alleles.resize(copies);
-        single.individual.resize(copies);
-        single.copies.resize(1);
-        single.groups = {1};
-        Observed const alone = observe(single, true);
-        expect_equal(one_population_individuals(alone.sums),
-                     nested_anova({single.individual}, single.alleles, single.kinds), what);
+        Distance const distance = trial < 24 ? Distance::zero_or_one : Distance::squared_size;
+        expect_every_design(random, balanced, distance, "data set " + std::to_string(trial));
     }
 }
 
@@ -235,44 +261,4 @@ TEST(NestedAnova, EqualGeneCopiesGiveNoIndexAndATinyTotal) {
     EXPECT_EQ(t.v_total, 1e-18);
     EXPECT_EQ(t.FCT, 0.0);
     EXPECT_EQ(t.FIT, 0.0);
-}
-
-TEST(PermutationTest, RandomSplitsGiveUniformPValues) {
-    // One population split at random: over many splits P is uniform within sampling error.
-    std::mt19937 random(5);
-    seed_one();
-    TriMat matrix(8);
-    matrix.set_conventional_fst(1);
-    PairDistances const distances(matrix, 8);
-    StructureSizes const sizes({12.0, 12.0, 12.0}, {3});
-    auto const slices = gene_slices(sizes.copies, 36);
-    WithinSums within(distances, slices);
-    PermutationPlan const plan(100);
-    int below_half = 0, below_tenth = 0;
-    int const splits = 200;
-    for (int split = 0; split < splits; ++split) {
-        std::vector<int> genes(36);
-        for (int& g : genes) {
-            g = static_cast<int>(random() % 8);
-        }
-        std::vector<double> S(3);
-        within.compute(genes, S);
-        auto const triangle = population_sums(distances, slices, genes);
-        VarianceTable const t =
-            one_group_haplotypes(sizes, {total_sum(triangle), within_terms(S, sizes), 0.0, 36.0});
-        auto const outcome = permutation_p<float>(
-            plan, t.variance[0], PermutationTail::above, plan.permutations,
-            [&] {
-                permute(PermutationScheme::PHAPWG, sizes, genes);
-                within.compute(genes, S);
-                double const w = within_terms(S, sizes);
-                return 1.0 / (t.df[0] * t.n) * (t.ssd_total - w) - 1.0 / (t.df[1] * t.n) * w;
-            },
-            [] { return false; }, [](double) {});
-        below_half += outcome.p < 0.5;
-        below_tenth += outcome.p < 0.1;
-    }
-    // Binomial s.d. 7.1 and 4.2; ties make the test a little conservative.
-    EXPECT_NEAR(below_half, 100, 25);
-    EXPECT_NEAR(below_tenth, 20, 15);
 }
