@@ -1,4 +1,6 @@
 // Linkage disequilibrium and Hardy-Weinberg proportions of a sample.
+#include <algorithm>
+#include <limits>
 #include <ostream>
 
 #include "diversity/blocks.h"
@@ -8,6 +10,12 @@
 #include "output/table.h"
 
 namespace tov {
+
+namespace {
+
+constexpr long most_permutations = std::numeric_limits<int>::max();
+
+}  // namespace
 
 void linkage_disequilibrium_block(SampleRun& run) {
     sample_heading(run.out, "Pairwise linkage disequilibrium", run.name(), 36);
@@ -23,10 +31,11 @@ void linkage_disequilibrium_block(SampleRun& run) {
     } else {
         print_references(run.out, {"hill1974", "dempster1977", "long1995"});
         run.console << "\tTesting linkage disequilibrium (phenotypic data)...\n";
-        run.pop.calc_all_link_dis(run.out, run.pop.phenotypes, run.set, static_cast<int>(run.set.MarkovChainStepsLD), 1,
-                                  run.set.InitialCondEMLD, run.set.EpsilonValue);
+        auto const permutations = static_cast<int>(std::clamp(run.set.MarkovChainStepsLD, 0L, most_permutations));
+        run.pop.calc_all_link_dis(run.out, run.pop.phenotypes, run.set, permutations, 1, run.set.InitialCondEMLD,
+                                  run.set.EpsilonValue);
     }
-    run.console << "\tdone !\n";
+    run.console << "\tdone !";
 }
 
 void hardy_weinberg_block(SampleRun& run) {

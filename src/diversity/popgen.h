@@ -214,9 +214,9 @@ public:
 
     // --- Haplotype frequencies, phase, linkage disequilibrium (inference/) ---
     void calc_hapl_dat_hapl_freq(settings& s);
-    /// @return 0, or -1000 when the user stopped it.
+    /// Both return 0, or -1000 when the user stopped them.
     int comp_gam_phase_EM(settings& s);
-    void comp_gam_phase_Gibbs(settings& s);
+    int comp_gam_phase_Gibbs(settings& s);
     void calc_all_gam_des(std::ostream& out, long steps, settings& s);
     double calc_gam_des_prob2(int* loci, long& seed, settings& s, long& stepsDone);
     double calc_gam_des_prob3(int* loci, long& seed, settings& s, long& stepsDone);

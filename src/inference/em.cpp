@@ -22,16 +22,6 @@ struct Preparation {
     int compact;
 };
 
-// Whether the phenotype may get all its genotypes, when the list has `taken` already. One with more heterozygous loci
-// than can be enumerated at all is left to the enumeration, which reports it.
-bool fits(TPhenotype const& p, int recessive, std::int64_t taken) {
-    constexpr int enumerable = 32;
-    int const heterozygous = p.no_polym_loci();
-    int const loci = p.pheno_length();
-    int const bits = recessive && heterozygous < loci ? loci : std::max(0, heterozygous - 1);
-    return bits >= enumerable || std::int64_t{1} << bits <= most_genotypes - taken;
-}
-
 void refuse_genotypes(TPhenotype& p) {
     p.kill_gen_list();
     E.error(ErrorType::Error, "TPhenotype::build_genotypes()", 114);
@@ -40,19 +30,19 @@ void refuse_genotypes(TPhenotype& p) {
 void build_genotypes(Population& sample, TPhenDB& ph, TPopHaploDB& pool, settings const& s, Preparation const& how) {
     if (s.EMCheckPhenRedundancy) ph.check_pheno_redundancy();
     int const recessive = sample.recessive_loci();
-    std::int64_t taken = 0;
+    std::int64_t genotypes = 0;
     for (TPhenotype* const p : ph.view()) {
         int const heterozygous = p->count_hetero_loci();
         p->set_homozygote(heterozygous == 0 && !recessive);
         if (how.previous) {
             p->build_compatible_genotypes(*how.previous, how.flags, pool, sample.alleles, recessive, 0.0);
-            if (p->genot_real_count() > most_genotypes - taken) refuse_genotypes(*p);
-        } else if (fits(*p, recessive, taken)) {
+            if (room_of(genotypes + p->genot_real_count(), pool.nb_haplotypes()) > most_room) refuse_genotypes(*p);
+        } else if (genotypes_fit(p->candidate_bits(sample.alleles, recessive), room_of(genotypes, pool.nb_haplotypes()))) {
             p->build_genotypes(pool, sample.alleles, recessive, false);
         } else {
             refuse_genotypes(*p);
         }
-        taken += p->genot_real_count();
+        genotypes += p->genot_real_count();
     }
     if (how.compact && sample.alleles) pool.compact(sample.alleles, sample.profile.MissingData);
 }

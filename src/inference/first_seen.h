@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <unordered_map>
 #include <vector>
 
@@ -31,6 +32,12 @@ private:
     TAllele const* last_ = nullptr;
     int last_number_ = -1;
 };
+
+/// Whether a contingency table of that many rows and columns fits into memory: at most 1.6 GB.
+[[nodiscard]] constexpr bool table_fits(int rows, int columns) noexcept {
+    constexpr std::int64_t most_cells = 400'000'000;
+    return std::int64_t{rows} * columns <= most_cells;
+}
 
 /// Haplotypes, told apart by their alleles. They are borrowed.
 class SeenHaplotypes {

@@ -65,6 +65,18 @@ TGenotSample::TGenotSample(TPhenDB const& individuals, TAlleleDB const* alleles,
     }
 }
 
+namespace {
+
+/// Size of a microsatellite allele, to the nearest whole number; one that is no size counts as 0. Negative sizes are
+/// moved down by one, as -1 stands for missing data.
+std::int32_t size_code(TAllele const& allele) {
+    double const size = my_atof(allele.name().c_str()) + 0.5;
+    auto const whole = std::fabs(size) < 2147483647.0 ? static_cast<std::int32_t>(size) : 0;
+    return whole < 0 ? whole - 1 : whole;
+}
+
+}  // namespace
+
 /// The chain compares sizes for microsatellites, allele numbers otherwise.
 KpvChain TGenotSample::make_chain() const {
     std::vector<std::int32_t> codes;
@@ -72,7 +84,7 @@ KpvChain TGenotSample::make_chain() const {
         for (int l = 0; l < loci_; ++l) {
             int code = gamete[l];
             if (code >= 0 && set_.DataType == MICROSAT) {
-                code = static_cast<int>(my_atof(alleles_->locus(l)->allele(code)->name().c_str()) + 0.5);
+                code = size_code(*alleles_->locus(l)->allele(code));
             }
             codes.push_back(code);
         }
@@ -97,15 +109,15 @@ bool TGenotSample::walk(KpvChain& chain, long steps) {
 }
 
 bool TGenotSample::burn_in(KpvChain& chain) {
-    for (long done = 0; done < set_.GibbsBurnIn; done += 500) {
-        if (!walk(chain, std::min<long>(500, set_.GibbsBurnIn - done))) {
+    constexpr long shown_every = 500;
+    for (long done = shown_every; done <= set_.GibbsBurnIn; done += shown_every) {
+        if (!walk(chain, shown_every)) {
             return false;
         }
         settings::inc_work_done(100);
-        show_progress(" burnin  KPV algorithm: %li/%li ", std::min<long>(done + 500, set_.GibbsBurnIn),
-                      set_.GibbsBurnIn);
+        show_progress(" burnin  KPV algorithm: %li/%li ", done, set_.GibbsBurnIn);
     }
-    return true;
+    return walk(chain, set_.GibbsBurnIn % shown_every);
 }
 
 SampledPhase TGenotSample::phase_of(KpvChain const& chain, int individual) const {
@@ -191,21 +203,26 @@ std::vector<EstimatedHaplotype> TGenotSample::constructEstimatedHaploDB() const 
     return list;
 }
 
-void PopGenetics::comp_gam_phase_Gibbs(settings& s) {
+int PopGenetics::comp_gam_phase_Gibbs(settings& s) {
+    constexpr int stopped_by_user = -1000;
     TPhenDB individuals(phenotypes);
     individuals.explode_base();
     TGenotSample sample(individuals, alleles, s, profile.MissingData);
-    if (!sample.performGibbs() || s.GibbsNumSamples == 0) {
-        return;
+    if (!sample.performGibbs()) {
+        return stopped_by_user;
+    }
+    if (s.GibbsNumSamples == 0) {
+        return 0;
     }
     sample.writeResults(s.ofs());
     if (s.GibbsOutputGamPhase == 0) {
-        return;
+        return 0;
     }
     std::string base = settings::input_file.substr(settings::input_file.find_last_of("/\\") + 1);
     base = base.substr(0, base.rfind('.'));
     std::ofstream out(s.project_dir + base + "_KPV_" + std::to_string(pop_index() + 1) + ".tvp", std::ios::trunc);
     sample.writeSample(out, pop_name().str());
+    return 0;
 }
 
 }  // namespace tov

@@ -1,5 +1,4 @@
 // Exact test of Hardy-Weinberg proportions, locus by locus and over whole haplotypes.
-#include <exception>
 #include <ostream>
 
 #include "base/special.h"
@@ -29,16 +28,8 @@ struct GenotypeCounts {
     int alleles = 0;
 };
 
-// Table of the genotypes; the memory report when it is too large.
 void fill_table(ContingencyTable& table, GenotypeCounts const& counts) {
-    constexpr int most_alleles = 20000;
-    try {
-        if (counts.alleles > most_alleles) throw std::bad_alloc();
-        table.shape(counts.alleles, counts.alleles);
-    } catch (std::exception const&) {
-        E.error(ErrorType::Memory, table_origin, 0);
-        throw;
-    }
+    table.shape(counts.alleles, counts.alleles);
     for (GenotypeCounts::Entry const& e : counts.list) table.genotype(e.first, e.second) += e.individuals;
 }
 
@@ -82,6 +73,10 @@ int Population::make_hw_table(int* loci) {
         loci[0] = 0;
         monomorphic = loci[1] < 0 ? 0 : 1;
         return 1;
+    }
+    if (!table_fits(counts.alleles, counts.alleles)) {
+        E.error(ErrorType::Error, table_origin, 155);
+        return 0;
     }
     fill_table(table, counts);
     loci[0] = counts.alleles;

@@ -30,8 +30,8 @@ struct GameteTable {
     std::vector<TAllele const*> second;  // borrowed
 };
 
-// @return false when a locus lies outside a haplotype.
-bool count_gametes(Population const& sample, int first, int second, GameteTable& table) {
+// @return 0, or the code of the error: a locus lies outside a haplotype, or the table is too large.
+int count_gametes(Population const& sample, int first, int second, GameteTable& table) {
     struct Entry {
         int first;
         int second;
@@ -42,23 +42,24 @@ bool count_gametes(Population const& sample, int first, int second, GameteTable&
     SeenAlleles alleles[2];
     for (int i = 0; i < sample.nb_haplotypes(); ++i) {
         PHaploDef const& h = sample.haplotype(i);
-        if (first < 0 || second < 0 || first >= h.nb_loci() || second >= h.nb_loci()) return false;
+        if (first < 0 || second < 0 || first >= h.nb_loci() || second >= h.nb_loci()) return 60;
         TAllele const* const a = h[first];
         TAllele const* const b = h[second];
         if (is_missing(a, missing) || is_missing(b, missing)) continue;
         gametes.push_back({alleles[0].number(a), alleles[1].number(b), h.copies});
     }
+    if (!table_fits(alleles[0].size(), alleles[1].size())) return 155;
     table.counts.shape(alleles[0].size(), alleles[1].size());
     for (Entry const& e : gametes) table.counts.at(e.first, e.second) += e.copies;
     table.first = alleles[0].in_order();
     table.second = alleles[1].in_order();
-    return true;
+    return 0;
 }
 
 bool make_table(PopGenetics& sample, int* k, GameteTable& made) {
     sample.monomorphic = 0;
-    if (!count_gametes(sample, k[0], k[1], made)) {
-        E.error(ErrorType::Error, "PopGenetics::make_all_table()", 60);
+    if (int const code = count_gametes(sample, k[0], k[1], made)) {
+        E.error(ErrorType::Error, "PopGenetics::make_all_table()", code);
         return false;
     }
     k[0] = made.counts.rows;

@@ -48,15 +48,15 @@ void print_ld_chain_lengths(std::ostream& out, long steps, long burn_in) {
 
 namespace {
 
-void print_exact_p(std::ostream& out, LinkedPair const& pair, char const* what) {
-    out << "Exact P=" << num{pair.p, 8, decimals} << "  +- " << num{pair.sd, 10, decimals} << " (" << pair.steps << what;
+void print_p(std::ostream& out, LinkedPair const& pair, char const* what) {
+    out << num{pair.p, 8, decimals} << "  +-  " << num{pair.sd, 10, decimals} << " (" << pair.steps << what;
 }
 
 }  // namespace
 
 void print_ld_pair(std::ostream& out, LinkedPair const& pair) {
-    out << "Pair (" << pair.first << ", " << pair.second << ") ";
-    print_exact_p(out, pair, " Steps done)\n");
+    out << "Pair (" << pair.first << ", " << pair.second << ") Exact P=";
+    print_p(out, pair, " Steps done)\n");
 }
 
 void print_ld_permutation_lengths(std::ostream& out, bool recessive, int permutations, int starts) {
@@ -69,8 +69,9 @@ void print_ld_permutation_lengths(std::ostream& out, bool recessive, int permuta
 void print_ld_genotype_pair(std::ostream& out, LinkedGenotypePair const& pair) {
     auto const p = static_cast<double>(Prob_of_chi_sq(static_cast<float>(pair.df), static_cast<float>(pair.chi)));
     out << "Pair(" << pair.test.first << ", " << pair.test.second << ")\n"
-        << "LnLHood LD : " << num{pair.lnLD, 0, decimals} << "  LnLHood LE : " << num{pair.lnLE, 0, decimals} << '\n';
-    print_exact_p(out, pair.test, " permutations done)   \n");
+        << "LnLHood LD : " << num{pair.lnLD, 0, decimals} << "  LnLHood LE : " << num{pair.lnLE, 0, decimals}
+        << "\nExact P= ";
+    print_p(out, pair.test, " permutations done)   \n");
     out << "  Chi-square test value=" << num{pair.chi, 0, decimals} << " (P = " << num{p, 0, decimals} << ",  " << pair.df
         << " d.f.)\n\n";
 }

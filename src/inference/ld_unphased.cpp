@@ -175,6 +175,7 @@ double Population::calc_link_dis_prob(int* loci, TPhenDB const& ph, settings& s,
     update_allele_freq();
     TwoLocusSample const sample = two_locus_sample(ph, loci[1], loci[2], profile.MissingData, false);
     if (sample.is_empty()) return test.untested(lnLD, lnLE);
+    if (!has_room(ph.nb_individuals(), "Population::calc_link_dis_prob()")) return test.untested(lnLD, lnLE);
     if (!test.observe(sample, chi, lnLD, lnLE)) return stopped_by_user;
     AllelePermutation permutation(sample);
     Ran3State& generator = chain_generator();
@@ -193,6 +194,8 @@ double Population::calc_link_dis_recess(int* loci, TPhenDB const& ph, settings& 
     copy_complete(ph, loci[1], loci[2], profile.MissingData, complete);
     TwoLocusSample const sample = two_locus_sample(complete, loci[1], loci[2], profile.MissingData, true);
     if (sample.is_empty()) return test.untested(lnLD, lnLE);
+    int const n = complete.nb_individuals();
+    if (!has_room(n, "Population::calc_link_dis_recess()")) return test.untested(lnLD, lnLE);
     if (!test.observe(sample, chi, lnLD, lnLE)) return stopped_by_user;
     TPopHaploDB pools[2];
     TPhenDB lists[2];
@@ -205,7 +208,6 @@ double Population::calc_link_dis_recess(int* loci, TPhenDB const& ph, settings& 
                                                        nbInit, maxIter, epsilon);
         if (lnL == stopped_by_user && *s.is_stop() != 0) return stopped_by_user;
     }
-    int const n = complete.nb_individuals();
     TPhenDB drawn;
     TwoLocusSample null;
     long seed = 1;

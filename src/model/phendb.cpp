@@ -1,6 +1,8 @@
 // The phenotypes of a sample: likelihoods, merging, expansion, permutation and resampling.
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
+#include <limits>
 #include <unordered_map>
 
 #include "base/random.h"
@@ -17,10 +19,18 @@ double n_ln_n(double n) noexcept { return n > 0.0 ? n * std::log(n) : 0.0; }
 
 }  // namespace
 
+bool has_room(int individuals, char const* origin) {
+    if (individuals <= most_individuals) return true;
+    E.error(ErrorType::Memory, origin, 0);
+    return false;
+}
+
 TPhenDB::TPhenDB() : MY_TIArrayAsVector<TPhenotype>(-1, 10) {}
 
 TPhenDB::TPhenDB(int const& n, TPopHaploDB const& pool) : TPhenDB() {
+    constexpr char const* origin = "TPhenDB::create_random_list()";
     constexpr int most_failures = 100;
+    if (!has_room(n, origin)) return;
     std::vector<double> cumulated;
     double sum = 0.0;
     bool monotone = true;
@@ -39,7 +49,7 @@ TPhenDB::TPhenDB(int const& n, TPopHaploDB const& pool) : TPhenDB() {
         TPopHaplotype const* drawn[2] = {nullptr, nullptr};
         for (TPopHaplotype const*& h : drawn) {
             while (!(h = select(ran3(&seed)))) {
-                E.error(ErrorType::Error, "TPhenDB::create_random_list()", 116);
+                E.error(ErrorType::Error, origin, 116);
                 if (++failures > most_failures) return;
             }
         }
@@ -104,9 +114,9 @@ void TPhenDB::convert_freq_to_real() {
 }
 
 int TPhenDB::nb_individuals() const {
-    int n = 0;
-    for (TPhenotype const* const p : view()) n += static_cast<int>(p->obs_count());
-    return n;
+    std::int64_t n = 0;
+    for (TPhenotype const* const p : view()) n += static_cast<std::int64_t>(p->obs_count());
+    return static_cast<int>(std::min<std::int64_t>(n, std::numeric_limits<int>::max()));
 }
 
 // --- Merging ---
@@ -191,6 +201,8 @@ void TPhenDB::build_sub_PhenDB(int const* flags, TPhenDB const& source) {
 // --- Expansion, permutation, resampling ---
 
 void TPhenDB::explode_base() {
+    constexpr char const* origin = "TPhenDB::explode_base()";
+    if (!has_room(nb_individuals(), origin)) return;
     int const originals = size();
     int total = 0;
     for (int i = 0; i < originals; ++i) {
@@ -203,7 +215,7 @@ void TPhenDB::explode_base() {
         p.set_rel_freq(p.rel_freq() / n);
         for (int copy = 1; copy < n; ++copy) Add(new TPhenotype(p));
     }
-    if (size() != total) E.error(ErrorType::Error, "TPhenDB::explode_base()", 120);
+    if (size() != total) E.error(ErrorType::Error, origin, 120);
 }
 
 void TPhenDB::permute_alleles(int const* loci, long& seed) {

@@ -13,8 +13,26 @@
 
 namespace tov {
 
-/// Genotypes that one list of phenotypes may have in an estimation: what fits into memory with its haplotypes.
+/// Genotypes that one phenotype may have in an estimation: what fits into memory with haplotypes of their own.
 inline constexpr std::int64_t most_genotypes = std::int64_t{1} << 23;
+
+/// Memory that a list of phenotypes takes in an estimation, counted in genotypes (of about 80 bytes): a haplotype of
+/// the pool takes as much as three of them.
+[[nodiscard]] constexpr std::int64_t room_of(std::int64_t genotypes, std::int64_t haplotypes) noexcept {
+    return genotypes + 3 * haplotypes;
+}
+/// All that a list may take, about 5 GB.
+inline constexpr std::int64_t most_room = room_of(most_genotypes, 2 * most_genotypes);
+/// Whether 2^bits further genotypes fit, each with two haplotypes of its own.
+[[nodiscard]] constexpr bool genotypes_fit(int bits, std::int64_t taken) noexcept {
+    constexpr int most_bits = 31;
+    return bits < most_bits && room_of(std::int64_t{1} << bits, std::int64_t{2} << bits) <= most_room - taken;
+}
+
+/// Individuals that a list with an entry for each of them may hold.
+inline constexpr int most_individuals = 1 << 24;
+/// Whether they are no more than that; the memory report of `origin` if they are.
+[[nodiscard]] bool has_room(int individuals, char const* origin);
 
 /// One resolved pair of haplotypes of a phenotype. The haplotypes are borrowed from a pool.
 class TGenotype {
@@ -115,6 +133,9 @@ public:
     /// Number of genotypes when it is known, else 2^(h - 1) (1 for h < 2).
     std::int64_t genot_exp_count();
     void set_genot_count(std::int64_t n) noexcept { genotype_count_ = n; }
+    /// Bits of the counter that build_genotypes() runs through: it tries 2^bits candidates. Reads the number of
+    /// heterozygous loci from its field.
+    [[nodiscard]] int candidate_bits(TAlleleDB const* db, int recessive) const;
 
     /// Enumerates the pairs of haplotypes compatible with the phenotype, in the order of a binary counter.
     ///

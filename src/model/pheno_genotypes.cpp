@@ -1,7 +1,6 @@
 // Enumeration of the genotypes that are compatible with a phenotype.
 #include <algorithm>
 #include <bit>
-#include <cmath>
 #include <functional>
 #include <unordered_set>
 
@@ -32,6 +31,12 @@ TAllele* blank_of(TAllele const* allele, TAlleleDB const* db) {
     return db ? (*db)(allele->is_in_loci(), 0) : nullptr;
 }
 
+// The blank that two equal alleles may hide; null when they are blanks themselves.
+TAllele* hidden_blank(TAllele const* allele, TAlleleDB const* db) {
+    TAllele* const blank = allele ? blank_of(allele, db) : nullptr;
+    return blank != allele ? blank : nullptr;
+}
+
 }  // namespace
 
 // The two working haplotypes of an enumeration, and what each bit of its counter changes in them.
@@ -48,14 +53,19 @@ struct TPhenotype::Enumeration {
             if (p != except && !first.alleles().same_at(p, second.alleles())) switches.push_back({p, nullptr});
         }
     }
-    // With hidden blanks: every position.
+    // With hidden blanks: every position at which a bit changes something. A bit that changes nothing would repeat each
+    // candidate; its weight is added at once.
     void add_all(TAlleleDB const* db, int loci) {
         for (int p = 0; p < loci; ++p) {
-            TAllele const* const a = first[p];
-            bool const homozygote = a && first.alleles().same_at(p, second.alleles());
-            TAllele* const blank = homozygote ? blank_of(a, db) : nullptr;
-            switches.push_back({p, blank != a ? blank : nullptr});
+            bool const homozygote = first.alleles().same_at(p, second.alleles());
+            TAllele* const blank = homozygote ? hidden_blank(first[p], db) : nullptr;
+            if (!homozygote || blank) {
+                switches.push_back({p, blank});
+            } else {
+                weight *= 2.0;
+            }
         }
+        may_repeat = true;
     }
     [[nodiscard]] int first_heterozygous() const {
         int p = 0;
@@ -97,6 +107,17 @@ std::int64_t TPhenotype::genot_exp_count() {
     return genotype_count_;
 }
 
+int TPhenotype::candidate_bits(TAlleleDB const* db, int recessive) const {
+    if (!recessive) return std::max(0, hetero_loci_ - 1);
+    int const loci = pheno_length();
+    if (hetero_loci_ == loci) return std::max(0, loci - 1);
+    int bits = 0;
+    for (int p = 0; p < loci; ++p) {
+        bits += !pseudo_[0]->alleles().same_at(p, pseudo_[1]->alleles()) || hidden_blank(pseudo_hapl0(p), db);
+    }
+    return bits;
+}
+
 void TPhenotype::keep_genotype(Enumeration& e) {
     TPopHaplotype* const second = e.target.insert(e.second, e.weight);
     TPopHaplotype* const first = e.target.insert(e.first, e.weight);
@@ -121,7 +142,6 @@ void TPhenotype::build_genotypes(TPopHaploDB& target, TAlleleDB* db, int const& 
         e.add_heterozygous(e.first_heterozygous());
     } else {
         e.add_all(db, all_heterozygous ? loci - 1 : loci);
-        e.may_repeat = true;
     }
     std::uint64_t const candidates = std::uint64_t{1} << e.switches.size();
     constexpr std::uint64_t most_reserved = 1U << 20;
@@ -171,19 +191,16 @@ public:
             sites_.push_back({p, bit_of[static_cast<std::size_t>(p)]});
         }
         for (Site const& s : sites_) {
-            if (s.bit >= 0) (changes(s) ? old_bits_ : idle_bits_).push_back(static_cast<std::size_t>(s.bit));
+            if (s.bit >= 0) old_bits_.push_back(static_cast<std::size_t>(s.bit));
         }
         for (std::size_t b = 0; b < switches.size(); ++b) {
             auto const is_b = [b](Site const& s) { return s.bit == static_cast<int>(b); };
-            if (std::any_of(sites_.begin(), sites_.end(), is_b)) continue;
-            Site const s{switches[b].position, static_cast<int>(b)};
-            (changes(s) ? new_bits_ : idle_bits_).push_back(b);
+            if (std::none_of(sites_.begin(), sites_.end(), is_b)) new_bits_.push_back(b);
         }
     }
 
-    /// Bits whose position is new; bits that change nothing at all.
+    /// Bits whose position is new.
     [[nodiscard]] std::vector<std::size_t> const& new_bits() const { return new_bits_; }
-    [[nodiscard]] std::size_t idle_bits() const { return idle_bits_.size(); }
 
     /// Settings of the old bits for which both parts are among the earlier haplotypes.
     [[nodiscard]] std::vector<Counter> known_assignments() const {
@@ -217,9 +234,6 @@ private:
     // Allele of the second chromosome with the site's bit set.
     [[nodiscard]] TAllele* second_when_set(Site const& s) const {
         return switch_of(s).blank ? switch_of(s).blank : phenotype_.pseudo_hapl0(s.position);
-    }
-    [[nodiscard]] bool changes(Site const& s) const {
-        return second_when_set(s) != phenotype_.pseudo_hapl1(s.position);
     }
     [[nodiscard]] TPopHaplotype part(Counter const& counter, bool second) const {
         TPopHaplotype h;
@@ -258,7 +272,6 @@ private:
     std::vector<Site> sites_;
     std::vector<std::size_t> old_bits_;
     std::vector<std::size_t> new_bits_;
-    std::vector<std::size_t> idle_bits_;
 };
 
 // Every known setting of the old bits with every setting of the new ones, ascending.
@@ -286,7 +299,6 @@ void TPhenotype::build_compatible_genotypes(TPopHaploDB& previous, int* flags, T
         e.add_heterozygous(e.first_heterozygous());
     } else {
         e.add_all(db, hetero_loci_ == loci ? loci - 1 : loci);
-        e.may_repeat = true;
     }
     EarlierPart const part(*this, flags, e.switches, previous, threshold);
     std::vector<Counter> const known = part.known_assignments();
@@ -295,8 +307,6 @@ void TPhenotype::build_compatible_genotypes(TPopHaploDB& previous, int* flags, T
         E.error(ErrorType::Error, "TPhenotype::build_compatible_genotypes()", 114);
         return;
     }
-    // Bits that change nothing repeat each candidate; their weight is added at once.
-    e.weight = std::ldexp(1.0, static_cast<int>(part.idle_bits()));
     Counter set_now(e.switches.size());
     for (Counter const& counter : extended_counters(known, part.new_bits())) {
         for (std::size_t b = 0; b < e.switches.size(); ++b) {

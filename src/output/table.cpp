@@ -138,9 +138,9 @@ void framed_row(std::ostream& out, std::span<std::string const> labels, std::spa
                 FramedRowForm const& form) {
     int const indent = static_cast<int>(form.head.size());
     rule const line{indent + 1 + static_cast<int>(labels.size()) * (form.cell_width + 1)};
-    out << line << '\n' << form.head << '|';
+    out << line << '\n' << label{{}, indent} << '|';
     for (std::string const& text : labels) out << user_text{text, form.cell_width, false} << '|';
-    out << '\n' << line << '\n' << label{{}, indent} << '|';
+    out << '\n' << line << '\n' << form.head << '|';
     for (double const value : values) {
         if (form.precision > 0)
             out << num{value, form.cell_width, form.precision};

@@ -105,7 +105,7 @@ void significance_matrix(std::ostream& out, std::span<std::string const> labels,
 /// How a framed row of values is printed.
 struct FramedRowForm {
     int cell_width = 6;
-    std::string_view head{};  ///< in front of the labels; the values are moved in by as much
+    std::string_view head{};  ///< in front of the values; the labels are moved in by as much
     std::string_view tail{};  ///< behind the values
     int precision = 0;        ///< digits of the values; 0 prints integers
 };

@@ -59,8 +59,10 @@ std::string const slashes(68, '/');
 /// What one run keeps from its first to its last step.
 struct Project::RunFrame {
     explicit RunFrame(settings& s) : set(s) {}
-    /// Whatever way a run ends, no dangling document and no cleaned copy stays behind.
+    /// Whatever way a run ends, no dangling document and no cleaned copy stays behind. A document that is still open
+    /// belongs to a run that ran out of memory.
     ~RunFrame() {
+        if (document.is_open()) print_results_footer(document, set.XMLOutput != 0);
         cleaned.rm_clean_files();
         set.set_ofs(nullptr);
         E.results = nullptr;

@@ -132,6 +132,14 @@ class HaplotypeFrequencies(support.RunTestCase):
         self.assertEqual(text.count("Allele frequencies for the locus "), 33)
         self.assertNotIn("too many heterozygous loci", self.log_text)
 
+    def test_more_individuals_than_memory_holds(self):
+        log = self.run_project(project([("AB", "ab", 900000000), ("AB", "AB", 3)]), TaskNumber=8,
+                               ComputeAllHaplotypesEM=1, InitialConditionsEM=1, NumBootstrapReplicatesEM=2)
+        self.assertIn("#[MEMORY # 1] from function \"TPhenDB::create_random_list()\" : not enough memory", log)
+        self.assertNotIn("Successful run", log)
+        self.assertFalse(self.exists("compfinished_final"))
+        self.assert_well_formed("p.res", "p.xml")
+
     def test_known_haplotypes_are_counted(self):
         self.run_project(support.dna_project(), TaskNumber=8)
         text = self.document()

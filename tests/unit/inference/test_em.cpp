@@ -301,6 +301,57 @@ TEST(EmOfASample, OnlyGenotypesOfKnownPartsSurviveAnEarlierStage) {
     EXPECT_EQ(s.sample.phenotypes.phenotype(1).is_homozygote(), 1);
 }
 
+TEST(EmOfASample, NoGenotypeOfKnownPartsMakesTheSampleImpossible) {
+    EmSample s({{"ABC", "abc", 4}, {"ABC", "ABC", 2}});
+    TPopHaploDB previous;
+    std::vector<int> flags = {1, 1, 0};
+    previous.insert(s.data.haplotype("AB"), 1.0);
+    double F = 0.0;
+    double const lnL = s.sample.calc_ML_hapl_freq_hill95_LD(s.sample.phenotypes, s.sample.pool, s.set, s.solutions, 0, F,
+                                                            &previous, flags.data(), 0, 3, 1000, 1e-7);
+    EXPECT_EQ(lnL, impossible_ln_likelihood);
+    EXPECT_EQ(s.sample.phenotypes.phenotype(0).genot_real_count(), 0);
+    EXPECT_EQ(s.sample.phenotypes.phenotype(1).genot_real_count(), 1);
+    EXPECT_TRUE(Reports::codes().empty());
+}
+
+TEST(EmOfASample, AsManyGenotypesAsMemoryHoldsAreEnumerated) {
+    // Haplotypes of their own for every genotype: 2^23 of them, and no more beside them.
+    EXPECT_TRUE(genotypes_fit(23, 0));
+    EXPECT_FALSE(genotypes_fit(24, 0));
+    EXPECT_FALSE(genotypes_fit(0, most_room));
+    EXPECT_TRUE(genotypes_fit(22, room_of(std::int64_t{1} << 22, std::int64_t{1} << 23)));
+    EXPECT_FALSE(genotypes_fit(23, room_of(1, 2)));
+    // 3000 individuals of 13 heterozygous loci each, over 14 loci.
+    EXPECT_TRUE(genotypes_fit(12, room_of(std::int64_t{3000} << 12, std::int64_t{1} << 14)));
+    EXPECT_FALSE(genotypes_fit(31, 0));
+    EXPECT_FALSE(genotypes_fit(64, 0));
+}
+
+TEST(EmOfASample, TwentyFiveHeterozygousLociAreTooMany) {
+    EmSample s({{std::string(25, 'A'), std::string(25, 'a'), 1}, {std::string(25, 'A'), std::string(25, 'A'), 3}});
+    EXPECT_EQ(s.estimate(), impossible_ln_likelihood);
+    EXPECT_EQ(Reports::codes(), std::vector<int>{114});
+    EXPECT_EQ(Reports::origins(), std::vector<std::string>{"TPhenotype::build_genotypes()"});
+    EXPECT_EQ(s.sample.phenotypes.phenotype(1).genot_real_count(), 1);
+}
+
+TEST(EmOfASample, BlanksOnBothChromosomesHideNothing) {
+    // 32 loci: all may hide a blank in one individual, three in the other two.
+    for (std::size_t const shown : {std::size_t{3}, std::size_t{32}}) {
+        EmSample s({});
+        s.data.haplotype(std::string(32, '0'));
+        s.sample.set_recessive_loci(1);
+        std::string const alleles = std::string(shown, 'A') + std::string(32 - shown, '0');
+        s.data.fill(s.sample.phenotypes, {{alleles, alleles, 3}, {std::string(32, '0'), std::string(32, '0'), 5}});
+        double const lnL = s.estimate();
+        EXPECT_EQ(lnL == impossible_ln_likelihood, shown == 32);
+        EXPECT_EQ(Reports::codes(), shown == 32 ? std::vector<int>{114} : std::vector<int>{});
+        EXPECT_EQ(s.sample.phenotypes.phenotype(0).genot_real_count(), shown == 32 ? 0 : 8);
+        EXPECT_EQ(s.sample.phenotypes.phenotype(1).genot_real_count(), 1);
+    }
+}
+
 TEST(EmOfASample, AllRunsOfTheSameListGiveTheSameDigits) {
     EmSample a(four_loci);
     a.estimate(4);

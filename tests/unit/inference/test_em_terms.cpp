@@ -343,6 +343,109 @@ TEST(EmEstimate, KeepsTheBestOfSeveralMaxima) {
     EXPECT_NEAR(work.best_freq[3], 5.0 / 12.0, 1e-6);
 }
 
+// --- Runs of known lengths ---
+
+namespace {
+
+/// Haplotypes 0 = AB, 1 = ab, 2 = aB, 3 = Ab; phenotypes of unknown phase that no two entries share.
+struct TwoLocusList : EmData {
+    TwoLocusList() { clear(4); }
+    void homozygotes(double n, int haplotype) {
+        add_phenotype(n, true);
+        add_pair(haplotype, haplotype);
+    }
+    void known_phase(double n, int first, int second) {
+        add_phenotype(n, false);
+        add_pair(first, second);
+    }
+    void double_heterozygotes(double n) {
+        add_phenotype(n, false);
+        add_pair(0, 1);
+        add_pair(3, 2);
+    }
+};
+
+TwoLocusList thirty_individuals() {
+    TwoLocusList data;
+    data.homozygotes(6, 0);
+    data.double_heterozygotes(9);
+    data.homozygotes(5, 1);
+    data.known_phase(3, 0, 3);
+    data.known_phase(2, 0, 2);
+    data.known_phase(3, 3, 1);
+    data.known_phase(2, 2, 1);
+    return data;
+}
+
+TwoLocusList inbred_individuals() {
+    TwoLocusList data;
+    data.homozygotes(8, 0);
+    data.homozygotes(8, 1);
+    data.double_heterozygotes(4);
+    data.known_phase(2, 0, 3);
+    data.homozygotes(2, 3);
+    data.known_phase(1, 2, 1);
+    return data;
+}
+
+/// Haplotypes ABC abc aBc AbC abC ABc aBC Abc.
+EmData three_locus_data() {
+    EmData data;
+    data.clear(8);
+    auto const add = [&data](double n, bool homozygote, std::initializer_list<HaplotypePair> pairs) {
+        data.add_phenotype(n, homozygote);
+        for (HaplotypePair const& p : pairs) data.add_pair(p.first, p.second);
+    };
+    add(4, true, {{0, 0}});
+    add(5, false, {{0, 1}, {3, 2}, {5, 4}, {7, 6}});
+    add(3, false, {{5, 4}, {7, 6}, {0, 1}, {3, 2}});
+    add(2, false, {{3, 6}, {0, 4}});
+    add(3, true, {{1, 1}});
+    add(3, false, {{0, 7}, {5, 3}});
+    return data;
+}
+
+}  // namespace
+
+TEST(EmEstimate, RunsHaveTheirKnownLengths) {
+    struct Known {
+        EmData data;
+        EmOptions options;
+        std::vector<int> iterations;
+        double ln_likelihood;
+        double F;
+    };
+    Known const cases[] = {
+        {thirty_individuals(), {.starts = 3}, {12, 11, 11}, -54.8393399996, 0.0},
+        {inbred_individuals(), {.starts = 3, .inbreeding = true}, {18, 20, 23}, -41.5280587819, 0.5445683782},
+        {inbred_individuals(), {.starts = 3, .inbreeding = true, .F = 0.1}, {10, 9, 9}, -45.6257303160, 0.1}};
+    for (Known const& known : cases) {
+        test::FreshProcess fresh;
+        EmWork work;
+        EmResult const result = em_estimate(known.data, known.options, work);
+        EXPECT_EQ(work.iterations, known.iterations);
+        EXPECT_NEAR(result.ln_likelihood, known.ln_likelihood, 0.6e-10);
+        EXPECT_NEAR(result.F, known.F, 0.6e-10);
+    }
+}
+
+TEST(EmEstimate, RunsOfOneMaximumDifferByWhatIsLeftOfTheirConvergence) {
+    test::FreshProcess fresh;
+    EmData const data = three_locus_data();
+    EmOptions const options;
+    for (double const known : {-32.9803598672, -32.9803599080, -32.9803600666}) {
+        EmWork work;
+        em_start(data, options, work);
+        for (int i = 0; i < options.max_iterations && !(em_iteration(data, options, work) < options.epsilon); ++i) {
+        }
+        EXPECT_NEAR(em_ln_likelihood(data, work), known, 0.6e-10);
+    }
+    fresh.reseed();
+    EmWork work;
+    EXPECT_EQ(em_estimate(data, {.starts = 3}, work).solutions, 1);
+    EXPECT_EQ(em_estimate(data, {.starts = 1}, work).solutions, 1);
+}
+
 TEST(NoteSolution, TakesValuesOfAMillionthApartAsTwo) {
     std::vector<double> list;
     note_solution(list, -1.0);

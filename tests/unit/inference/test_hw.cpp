@@ -254,6 +254,24 @@ TEST(HardyWeinbergTest, RestartedChainAgreesWithTheSingleOne) {
     EXPECT_NEAR(x.sample.make_hw_test2(300000, stat, x.set, steps, loci), restarted, 0.01);
 }
 
+TEST(HardyWeinbergTest, TableOfTooManyHaplotypesCountsAsNone) {
+    PhasedSample x;
+    x.sample.phenotypes.destroy();
+    // 20002 haplotypes of 15 loci with two alleles.
+    auto const bits = [](int n) {
+        std::string text(15, 'a');
+        for (std::size_t b = 0; b < text.size(); ++b) text[b] = n >> b & 1 ? 'b' : 'a';
+        return text;
+    };
+    for (int i = 0; i < 10001; ++i) {
+        x.sample.phenotypes.Add(x.data.phenotype(bits(2 * i), bits(2 * i + 1)).release());
+    }
+    int loci[] = {1, -1};
+    EXPECT_EQ(x.sample.make_hw_table(loci), 0);
+    EXPECT_EQ(Reports::codes(), std::vector<int>{155});
+    EXPECT_NE(x.report().find("P value :  1.00000 +/-    0.00000 (0 steps done\n"), std::string::npos);
+}
+
 TEST(HardyWeinbergTest, OneHaplotypeOnlyHasNoTable) {
     PhasedSample x;
     x.sample.phenotypes.destroy();

@@ -9,6 +9,7 @@
 #include "base/trimat.h"
 #include "diversity/popsta.h"
 #include "inference/chain_run.h"
+#include "inference/first_seen.h"
 #include "inference/formula/ld_coefficients.h"
 #include "unit/model/model_fixture.h"
 
@@ -159,6 +160,23 @@ TEST(LinkageTest, LocusWithOneAlleleGivesOneWithoutAStep) {
     EXPECT_EQ(draws_since(before), 0);
 }
 
+TEST(LinkageTest, TableOfTooManyAllelesCountsAsNone) {
+    static_assert(table_fits(20000, 20000));
+    static_assert(!table_fits(20000, 20001));
+    HaplotypeSample x({{"aA", 1}, {"bB", 1}});
+    // Each of these haplotypes has an allele of its own at both loci.
+    for (int i = 0; i < 20000; ++i) {
+        HaploDef& h = x.definitions.emplace_back(my_string(std::to_string(i).c_str()));
+        for (int l = 0; l < 2; ++l) h.Add(x.data.db.insert_allele(l, std::to_string(i), 1.0));
+        x.sample.haplotypes.Add(new PHaploDef(&h, 1));
+    }
+    int k[] = {0, 1};
+    EXPECT_EQ(x.sample.make_all_table(k), 0);
+    EXPECT_EQ(Reports::codes(), std::vector<int>{155});
+    EXPECT_EQ(x.single_chain(0, 1), 1.0);
+    EXPECT_EQ(x.steps, 0);
+}
+
 TEST(LinkageTest, StepOnTheTableKeepsItsMargins) {
     HaplotypeSample x(three_by_two);
     int k[] = {0, 1};
@@ -241,6 +259,12 @@ TEST(LinkageReport, PairsAreSitesFromZeroAndTheLowerComesFirst) {
     EXPECT_EQ(text.find("Loci 0 and 2"), std::string::npos);
 }
 
+TEST(LinkageReport, LineOfAPairHoldsItsProbabilityItsDeviationAndItsSteps) {
+    HaplotypeSample x(three_by_two);
+    EXPECT_NE(x.report().find("\n\nPair (0, 1) Exact P= 0.07832  +-     0.00238 (10100 Steps done)\n\nTable of "),
+              std::string::npos);
+}
+
 TEST(LinkageReport, SignificanceTableMarksPairsBelowTheLevel) {
     HaplotypeSample x(three_by_two);
     TriMat p(3);
@@ -261,15 +285,15 @@ TEST(LinkageReport, SignificanceTableMarksPairsBelowTheLevel) {
     EXPECT_EQ(x.document.str(),
               "\nNumber of linked loci per polymorphic locus (significance level=0.0500):\n\n"
               "-------------------------------\n"
-              "y\\Locus: |     0|     4|    11|\n"
+              "         |     0|     4|    11|\n"
               "-------------------------------\n"
-              "         |     1|     1|     0|   No. of Loci\n"
+              "y\\Locus: |     1|     1|     0|   No. of Loci\n"
               "-------------------------------\n"
               "\nPercentage of linked loci per locus (significance level=0.0500):\n\n"
               "-------------------------------------\n"
-              "y\\Locus: |       0|       4|      11|\n"
+              "         |       0|       4|      11|\n"
               "-------------------------------------\n"
-              "         |   50.00|   50.00|    0.00|   No. of Loci\n"
+              "y\\Locus: |   50.00|   50.00|    0.00|   No. of Loci\n"
               "-------------------------------------\n\n");
 }
 

@@ -1,6 +1,7 @@
 // Linkage disequilibrium with unknown phase: reference values, missing and recessive data, and the text.
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <sstream>
 
 #include "base/special.h"
@@ -68,6 +69,7 @@ TEST(GenotypicLinkage, StrongDisequilibriumMayGiveAProbabilityOfZero) {
     EXPECT_NEAR(x.lnLD, -54.8393399996, 1e-6);  // two starts
     EXPECT_NEAR(x.lnLE, -63.6361083367, 5e-11);
     EXPECT_NEAR(x.chi, 17.5935366744, 1e-6);
+    EXPECT_NEAR(Prob_of_chi_sq(1.0F, static_cast<float>(x.chi)), 2.735164e-05, 1e-10);
     EXPECT_EQ(draws_since(before), 7488);
 }
 
@@ -120,6 +122,26 @@ TEST(GenotypicLinkage, OneIndividualAlwaysTies) {
     LinkageSample x({{"AB", "AB", 2}});
     EXPECT_EQ(x.test(), 1.0);
     EXPECT_EQ(x.steps, 110);
+}
+
+// A single individual of unknown phase: all permuted samples look like the observed one, but the likelihoods that the EM
+// ends with differ by what is left of its convergence, and equal within 1e-10 is what counts.
+TEST(GenotypicLinkage, LikelihoodsOfEqualSamplesTieWhenTheyConvergedEquallyFar) {
+    LinkageSample x({{"AB", "ab", 1}});
+    EXPECT_NEAR(x.test(), 0.7090909091, 5e-11);
+    EXPECT_NEAR(x.set.sd_p_value, 0.0445361771, 5e-11);
+    EXPECT_NEAR(x.lnLD, std::log(0.5), 1e-9);
+    EXPECT_NEAR(x.lnLE, std::log(0.25), 1e-12);
+}
+
+TEST(GenotypicLinkage, MoreIndividualsThanMemoryHoldsEndTheRun) {
+    LinkageSample x({{"AB", "ab", 900000000}, {"AB", "AB", 3}});
+    EXPECT_THROW(x.test(), ExceptionType);
+    EXPECT_EQ(Reports::codes(), std::vector<int>{0});
+    EXPECT_EQ(Reports::origins(), std::vector<std::string>{"Population::calc_link_dis_prob()"});
+    x.sample.set_recessive_loci(1);
+    EXPECT_THROW(x.test(), ExceptionType);
+    EXPECT_EQ(Reports::origins().back(), "Population::calc_link_dis_recess()");
 }
 
 TEST(GenotypicLinkage, StopRequestEndsTheTest) {
@@ -183,6 +205,16 @@ TEST(GenotypicLinkage, ReportShowsEveryPolymorphicPair) {
     EXPECT_NE(fewer.find("Pair(0, 2)"), std::string::npos);
 }
 
+TEST(GenotypicLinkage, BlockOfAPairHoldsItsLikelihoodsAndBothProbabilities) {
+    LinkageSample x(weakly_linked);
+    EXPECT_NE(x.report(100).find("\n\nPair(0, 1)\n"
+                                 "LnLHood LD : -65.86002  LnLHood LE : -66.27526\n"
+                                 "Exact P=  0.39091  +-     0.05758 (110 permutations done)   \n"
+                                 "  Chi-square test value=0.83049 (P = 0.36213,  1 d.f.)\n\n"),
+              std::string::npos)
+        << x.document.str();
+}
+
 TEST(GenotypicLinkage, ReportNeedsItsKeyAndPermutations) {
     LinkageSample x(three_loci);
     EXPECT_EQ(x.report(0), "");
@@ -212,6 +244,14 @@ TEST(GenotypicLinkage, LocusIsFlaggedOnlyWhenLinkedToAllOthers) {
     ASSERT_EQ(x.sample.calc_all_pairwise_LDs(x.sample.phenotypes, x.set, selected, 1.1, 0.5, 1000, 30, 2, 1e-7), 1);
     EXPECT_EQ(std::vector<int>(selected, selected + 3), (std::vector<int>{1, 1, 1}));
     EXPECT_EQ(x.document.str(), "");
+    // The first two loci are linked to each other alone: one of two others is not enough.
+    LinkageSample half({{"ABx", "ABy", 6}, {"abx", "aby", 7}, {"ABx", "ABx", 2}, {"ABy", "ABy", 2}, {"abx", "abx", 3},
+                        {"aby", "aby", 3}});
+    ASSERT_EQ(half.sample.calc_all_pairwise_LDs(half.sample.phenotypes, half.set, selected, 0.05, 0.0, 1000, 100, 2, 1e-7),
+              1);
+    EXPECT_EQ(half.test(), 0.0);
+    EXPECT_GT(half.test(100, 0, 2), 0.05);
+    EXPECT_EQ(std::vector<int>(selected, selected + 3), (std::vector<int>{0, 0, 0}));
     x.set.stop = 1;
     EXPECT_EQ(x.sample.calc_all_pairwise_LDs(x.sample.phenotypes, x.set, selected, 1.1, 0.5, 1000, 30, 2, 1e-7), 0);
 }

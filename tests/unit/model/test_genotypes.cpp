@@ -180,6 +180,19 @@ TEST(GenotypeEnumeration, RecessiveHomozygoteMayHideABlankOnTheSecondChromosome)
     EXPECT_EQ(pool.haplotype(3).has_blank(), 1);
 }
 
+TEST(GenotypeEnumeration, OnlyPositionsThatTheCounterChangesCountAsCandidates) {
+    ModelData data;
+    data.haplotype("0000");
+    auto const p = data.phenotype("A00B", "A0CB");
+    p->count_hetero_loci();
+    EXPECT_EQ(p->candidate_bits(&data.db, 0), 0);
+    EXPECT_EQ(p->candidate_bits(&data.db, 1), 3);
+    auto const all = data.phenotype("ABCD", "EFGH");
+    all->count_hetero_loci();
+    EXPECT_EQ(all->candidate_bits(&data.db, 0), 3);
+    EXPECT_EQ(all->candidate_bits(&data.db, 1), 3);
+}
+
 TEST(GenotypeEnumeration, EqualPairOfARecessiveRouteIsDoubledToo) {
     ModelData data;
     data.haplotype("0");
@@ -210,6 +223,7 @@ TEST(GenotypeEnumeration, RandomPhenotypesAgreeWithTheSlowEnumeration) {
             TPopHaploDB pool;
             p->build_genotypes(pool, &data.db, recessive, false);
             SlowEnumeration(*p, data.db, recessive).expect_equal(*p, pool);
+            EXPECT_LE(p->genot_real_count(), 1 << p->candidate_bits(&data.db, recessive));
         }
     }
 }

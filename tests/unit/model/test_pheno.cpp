@@ -191,6 +191,19 @@ TEST(TPhenDB, ExpansionGivesOneEntryAnIndividual) {
     EXPECT_TRUE(Reports::codes().empty());
 }
 
+TEST(TPhenDB, MoreIndividualsThanMemoryHoldsEndTheRun) {
+    ModelData data;
+    TPhenDB list;
+    data.fill(list, {{"A", "a", 2147483647}, {"A", "A", 2147483647}});
+    EXPECT_EQ(list.nb_individuals(), 2147483647);
+    EXPECT_THROW(list.explode_base(), ExceptionType);
+    EXPECT_EQ(list.size(), 2);
+    TPopHaploDB pool;
+    pool.insert(data.haplotype("A"), 1.0);
+    EXPECT_THROW(TPhenDB(most_individuals + 1, pool), ExceptionType);
+    EXPECT_EQ(Reports::codes(), (std::vector<int>{0, 0}));
+}
+
 TEST(TPhenDB, ExpansionOfNobodyReports120) {
     ModelData data;
     TPhenDB list;

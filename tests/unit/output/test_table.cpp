@@ -139,9 +139,9 @@ TEST_F(Table, FramedRowShowsOneValueALabel) {
     framed_row(out, number_labels(2), std::array{2.0, 13.0}, {4, "y\\Locus: ", "   No. of Loci", 0});
     EXPECT_EQ(out.str(),
               "--------------------\n"
-              "y\\Locus: |   1|   2|\n"
+              "         |   1|   2|\n"
               "--------------------\n"
-              "         |   2|  13|   No. of Loci\n"
+              "y\\Locus: |   2|  13|   No. of Loci\n"
               "--------------------\n");
     out.str("");
     framed_row(out, number_labels(1), std::array{50.0}, {6, "", "", 2});
