@@ -8,14 +8,16 @@ namespace tov {
 
 namespace {
 
-constexpr std::size_t long_lag = 55;
-constexpr std::size_t short_lag = 24;
+constexpr std::ptrdiff_t long_lag = 55;
+constexpr std::ptrdiff_t short_lag = 24;
+constexpr std::ptrdiff_t at_once = 20;
 
-// x[n] = x[n - 55] - x[n - 24] modulo 10^9, for up to 24 numbers at a time, which do not depend on each other.
-void next_numbers(std::int32_t const* far, std::int32_t const* near, std::int32_t* out, std::size_t n) noexcept {
-    for (std::size_t i = 0; i < n; ++i) {
-        std::int32_t const difference = far[i] - near[i];
-        out[i] = difference + (difference < 0 ? Ran3State::MBIG : 0);
+// x[n] = x[n - 55] - x[n - 24] modulo 10^9 for x[0] .. x[19]. Up to 24 numbers do not depend on each other; a fixed
+// count of them, a multiple of four, lets the compiler work them out four at a time.
+void next_numbers(std::int32_t* x) noexcept {
+    for (std::ptrdiff_t i = 0; i < at_once; ++i) {
+        std::int32_t const difference = x[i - long_lag] - x[i - short_lag];
+        x[i] = difference + (difference < 0 ? Ran3State::MBIG : 0);
     }
 }
 
@@ -29,21 +31,17 @@ void DrawBlock::refill() noexcept {
     next_ = values_.data();
     if (generator_.inext == 0) generator_.inext = 55;  // just seeded: the same place by another name
     // The ring in order of age: the oldest stands behind the place of the last draw.
-    std::array<std::int32_t, long_lag*(blocks + 1)> x;
+    std::array<std::int32_t, lag + fresh> x;
     auto const first = generator_.ma.begin() + 1;
     auto const oldest = generator_.ma.begin() + 1 + generator_.inext % 55;
     std::rotate_copy(first, oldest, generator_.ma.end(), x.begin());
-    for (std::size_t b = 0; b < blocks; ++b) {
-        std::int32_t* const old = x.data() + b * long_lag;
-        std::int32_t* const now = old + long_lag;
-        for (std::size_t from = 0; from < long_lag; from += short_lag) {
-            next_numbers(old + from, now + from - short_lag, now + from, std::min(short_lag, long_lag - from));
-        }
-    }
-    for (std::size_t i = 0; i < blocks * long_lag; ++i) *out++ = x[long_lag + i] * Ran3State::FAC;
+    std::int32_t* const made = x.data() + lag;
+    static_assert(at_once <= short_lag && fresh % at_once == 0);
+    for (std::size_t i = 0; i < fresh; i += at_once) next_numbers(made + i);
+    for (std::size_t i = 0; i < fresh; ++i) *out++ = made[i] * Ran3State::FAC;
     end_ = out;
     // After whole rounds the place on the ring is the same.
-    auto const youngest = x.end() - static_cast<std::ptrdiff_t>(long_lag);
+    auto const youngest = x.end() - long_lag;
     std::rotate_copy(youngest, youngest + (first + 55 - oldest), x.end(), first);
 }
 

@@ -34,14 +34,14 @@ public:
     void use_until(double const* next) noexcept { next_ = next; }
 
 private:
-    static constexpr std::size_t lag = 55;
-    static constexpr std::size_t blocks = 4;
+    static constexpr std::size_t lag = 55;         // numbers the generator remembers
+    static constexpr std::size_t fresh = 4 * lag;  // numbers drawn at a time
 
     [[gnu::noinline]] void refill() noexcept;
     void give_back() noexcept;
 
     Ran3State& generator_;  // borrowed
-    std::array<double, static_cast<std::size_t>(most_required) + blocks * lag> values_;
+    std::array<double, static_cast<std::size_t>(most_required) + fresh> values_;
     double const* next_ = values_.data();
     double const* end_ = values_.data();
 };

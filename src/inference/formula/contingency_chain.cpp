@@ -31,38 +31,30 @@ double batch_deviation(std::span<double const> shares, std::size_t n, double p) 
     return std::sqrt(sum / ((size - 1.0) * size));
 }
 
+int draw_other_index(DrawBlock& draws, int n, int taken) noexcept {
+    int x = taken;
+    while (x == taken) x = index_of(draws.draw(), n);
+    return x;
+}
+
 // --- Chains on the two kinds of tables ---
 
 namespace {
 
-struct GenotypeStep {
-    [[gnu::always_inline]] FixedLn operator()(TableWalk const& t, DrawBlock& draws) const noexcept {
-        return hardy_weinberg_step(t, draws).ln_ratio;
-    }
-};
-
-struct TwoWayStep {
-    [[gnu::always_inline]] FixedLn operator()(TableWalk const& t, DrawBlock& draws) const noexcept {
-        return two_way_step(t, draws).ln_ratio;
-    }
-};
-
-template <class Step>
+template <auto step>
 ChainOutcome walk(ContingencyTable& table, ChainPlan const& plan, int const* stop,
                   std::function<bool()> const& round) {
-    TableWalk const t(table);
     DrawBlock draws(chain_generator());
-    auto const step = [&] { return Step{}(t, draws); };
+    StepOf<step> const one_step{TableWalk(table), draws};
     auto const round_ended = [&round] { return !round || round(); };
-    if (!stop) return interleaved_chain(plan, step, [] { return true; }, round_ended);
-    return interleaved_chain(plan, step, [stop] { return *stop == 0; }, round_ended);
+    if (!stop) return interleaved_chain(plan, one_step, [] { return true; }, round_ended);
+    return interleaved_chain(plan, one_step, [stop] { return *stop == 0; }, round_ended);
 }
 
-template <class Step>
+template <auto step>
 ChainOutcome walk_batches(ContingencyTable& table, ChainPlan const& plan, EarlyEnd const& early,
                           std::function<bool()> const& ended) {
     std::vector<int> const observed = table.cells;
-    TableWalk const t(table);
     DrawBlock draws(chain_generator());
     return restarted_chain(
         plan, early,
@@ -70,21 +62,21 @@ ChainOutcome walk_batches(ContingencyTable& table, ChainPlan const& plan, EarlyE
             std::copy(observed.begin(), observed.end(), table.cells.begin());
             return BatchStart::ready;
         },
-        [&] { return Step{}(t, draws); }, [&ended] { return !ended || ended(); });
+        StepOf<step>{TableWalk(table), draws}, [&ended] { return !ended || ended(); });
 }
 
 }  // namespace
 
 ChainOutcome walk_table(ContingencyTable& table, TableKind kind, ChainPlan const& plan, int const* stop,
                         std::function<bool()> const& round) {
-    if (kind == TableKind::genotypes) return walk<GenotypeStep>(table, plan, stop, round);
-    return walk<TwoWayStep>(table, plan, stop, round);
+    if (kind == TableKind::genotypes) return walk<hardy_weinberg_step>(table, plan, stop, round);
+    return walk<two_way_step>(table, plan, stop, round);
 }
 
 ChainOutcome walk_table_in_batches(ContingencyTable& table, TableKind kind, ChainPlan const& plan,
                                    EarlyEnd const& early, std::function<bool()> const& ended) {
-    if (kind == TableKind::genotypes) return walk_batches<GenotypeStep>(table, plan, early, ended);
-    return walk_batches<TwoWayStep>(table, plan, early, ended);
+    if (kind == TableKind::genotypes) return walk_batches<hardy_weinberg_step>(table, plan, early, ended);
+    return walk_batches<two_way_step>(table, plan, early, ended);
 }
 
 }  // namespace tov

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <algorithm>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -25,6 +26,15 @@ struct ChainStep {
 /// The process-wide generator, seeded if nothing has seeded it.
 [[nodiscard]] Ran3State& chain_generator() noexcept;
 
+// A processor guesses where a jump goes. Where a draw decides, it guesses wrong as often as the draw surprises, and a
+// wrong guess costs more than the draw. So the steps work out by arithmetic what draws decide (pick(), counts changed
+// by 0 or 1), look at draws that they may not need but spend only those they used, and jump for what is rare.
+
+/// `yes` if the condition holds, otherwise `no`; without a jump.
+[[gnu::always_inline]] inline int pick(bool condition, int yes, int no) noexcept {
+    return no ^ ((yes ^ no) & -static_cast<int>(condition));
+}
+
 /// A table on its walk: where its cells are, and the logarithms of the process up to its sum + 2.
 class TableWalk {
 public:
@@ -37,7 +47,10 @@ public:
     [[nodiscard]] int& at(int row, int column) const noexcept {
         return cells_[static_cast<std::ptrdiff_t>(row) * columns_ + column];
     }
-    [[nodiscard]] int& genotype(int a, int b) const noexcept { return at(std::min(a, b), std::max(a, b)); }
+    [[nodiscard]] int& genotype(int a, int b) const noexcept {
+        int const smaller = pick(a < b, a, b);
+        return at(smaller, a ^ b ^ smaller);
+    }
     [[nodiscard]] FixedLn ln(std::int64_t n) const noexcept { return ln_(n); }
 
 private:
@@ -50,30 +63,57 @@ private:
 /// Numbers that a step may read ahead.
 inline constexpr std::ptrdiff_t step_look_ahead = 16;
 
-/// Whole number 0 .. n - 1 from the next number. (u <= 1 - 1e-9, so that n u never rounds up to n.)
-inline int take_index(double const*& next, int n) noexcept { return static_cast<int>(n * *next++); }
+/// Whole number 0 .. n - 1 that a draw stands for. (u <= 1 - 1e-9, so that n u never rounds up to n.)
+[[gnu::always_inline]] inline int index_of(double u, int n) noexcept { return static_cast<int>(n * u); }
 
-/// Whole number 0 .. n - 1 other than `taken`, n >= 2. Draws: one a try; a refused number is drawn again.
-///
-/// Three tries are made without a branch.
-[[gnu::always_inline]] inline int take_other_index(DrawBlock& draws, double const*& next, int n, int taken) noexcept {
-    int x = static_cast<int>(n * next[0]);
-    int const y = static_cast<int>(n * next[1]);
-    int const z = static_cast<int>(n * next[2]);
-    bool const second = x == taken;
-    x = second ? y : x;
-    bool const third = x == taken;
-    x = third ? z : x;
-    next += 1 + second + third;
+/// Draws until the number is not `taken`.
+int draw_other_index(DrawBlock& draws, int n, int taken) noexcept;
+
+/// take_other_index() with a look at `Tries` numbers at once; `index` is the index_of() to take.
+template <int Tries, class Index>
+[[gnu::always_inline]] inline int take_of_tries(DrawBlock& draws, double const*& next, int n, int taken,
+                                                Index index) noexcept {
+    int x = taken;
+    int spent = 0;
+    int refused = 1;  // all tries so far
+    for (int k = 0; k < Tries; ++k) {
+        int const y = index(next[k]);
+        x = pick(refused, y, x);
+        spent += refused;
+        refused &= static_cast<int>(y == taken);
+    }
+    next += spent;
     if (x == taken) [[unlikely]] {
         draws.use_until(next);
-        do {
-            x = static_cast<int>(n * draws.draw());
-        } while (x == taken);
+        x = draw_other_index(draws, n, taken);
         draws.require(step_look_ahead);
         next = draws.ahead();
     }
     return x;
+}
+
+/// Whole number 0 .. n - 1 other than `taken`, n >= 2. Draws: one a try; a refused number is drawn again.
+///
+/// A try is refused with chance 1 / n: the smaller n, the more tries are worth a look.
+[[gnu::always_inline]] inline int take_other_index(DrawBlock& draws, double const*& next, int n, int taken) noexcept {
+    if (n == 2) return take_of_tries<4>(draws, next, n, taken, [](double u) { return static_cast<int>(u >= 0.5); });
+    auto const index = [n](double u) { return index_of(u, n); };
+    if (n <= 4) return take_of_tries<2>(draws, next, n, taken, index);
+    return take_of_tries<1>(draws, next, n, taken, index);
+}
+
+/// Above 0 if above / below, as a double, is larger than u; 0 if they are equal; below 0 if it is smaller.
+///
+/// @param above, below, u  >= 0, below > 0.
+/// The step would wait for a division. u below tells as much at once, unless it lies so near to above that the roundings
+/// of the product and of the quotient, 2^-53 each, could tell differently; then the quotient itself is taken.
+[[gnu::always_inline]] inline double quotient_against(double u, double above, double below) noexcept {
+    constexpr double near = 0x1p-50;
+    double const product = u * below;
+    double const difference = above - product;
+    if (std::abs(difference) <= near * product) [[unlikely]]
+        return above / below - u;
+    return difference;
 }
 
 /// One Metropolis step on a table of genotype counts, which keeps the allele counts.
@@ -90,8 +130,8 @@ inline int take_index(double const*& next, int n) noexcept { return static_cast<
     draws.require(step_look_ahead);
     double const* next = draws.ahead();
     int const k = t.rows();
-    int const i = take_index(next, k);
-    int const j = take_index(next, k);
+    int const i = index_of(*next++, k);
+    int const j = index_of(*next++, k);
     int const m = take_other_index(draws, next, k, i);
     int const l = take_other_index(draws, next, k, j);
     double const u = *next++;
@@ -109,14 +149,15 @@ inline int take_index(double const*& next, int n) noexcept { return static_cast<
     std::int64_t const out2 = std::max(std::int64_t{d} - lost_twice, std::int64_t{0});
     std::int64_t const in1 = std::int64_t{c} + 1 + gained_twice;
     std::int64_t const in2 = std::int64_t{b} + 1;
-    double const ratio = static_cast<double>(out1 * out2) / static_cast<double>(in1 * in2) * factor[doublings + 2];
-    int const taken = ratio > u;
+    double const above = static_cast<double>(out1 * out2) * factor[doublings + 2];
+    auto const below = static_cast<double>(in1 * in2);
+    int const taken = quotient_against(u, above, below) > 0.0;
     a -= taken;
     d -= taken;
     b += taken;
     c += taken;
     FixedLn const change = t.ln(out1) + t.ln(out2) - t.ln(in1) - t.ln(in2) + doublings * t.ln(2);
-    return {taken ? ratio : 1.0, change & -FixedLn{taken}};
+    return {taken ? above / below : 1.0, change & -FixedLn{taken}};
 }
 
 /// Metropolis step between cells (i, j), (m, l) and (i, l), (m, j) of a two-way table: one copy leaves each of the
@@ -134,16 +175,15 @@ inline int take_index(double const*& next, int n) noexcept { return static_cast<
     std::int64_t const in2 = std::int64_t{b} + 1;
     auto const above = static_cast<double>(out1 * out2);
     auto const below = static_cast<double>(in1 * in2);
-    double const ratio = above / below;
     double const u = *next;  // used for a ratio below 1 only; for others the test is idle, as u < 1
     draws.use_until(next + (above < below));
-    int const taken = (ratio > 0.0) & !(ratio < u);
+    int const taken = (above > 0.0) & (quotient_against(u, above, below) >= 0.0);
     a -= taken;
     d -= taken;
     b += taken;
     c += taken;
     FixedLn const change = t.ln(out1) + t.ln(out2) - t.ln(in1) - t.ln(in2);
-    return {taken ? ratio : 1.0, change & -FixedLn{taken}};
+    return {taken ? above / below : 1.0, change & -FixedLn{taken}};
 }
 
 /// One Metropolis step on a two-way table, which keeps the sums of its rows and columns.
@@ -154,12 +194,21 @@ inline int take_index(double const*& next, int n) noexcept { return static_cast<
 [[gnu::always_inline]] inline ChainStep two_way_step(TableWalk const& t, DrawBlock& draws) noexcept {
     draws.require(step_look_ahead);
     double const* next = draws.ahead();
-    int const i = take_index(next, t.rows());
-    int const j = take_index(next, t.columns());
+    int const i = index_of(*next++, t.rows());
+    int const j = index_of(*next++, t.columns());
     int const m = take_other_index(draws, next, t.rows(), i);
     int const l = take_other_index(draws, next, t.columns(), j);
     return margin_step(t, i, j, m, l, draws, next);
 }
+
+/// A step as the scaffold calls it. The walk is held by value, which leaves it in registers.
+template <auto step>
+struct StepOf {
+    TableWalk walk;
+    DrawBlock& draws;  // borrowed
+
+    [[gnu::always_inline]] FixedLn operator()() const noexcept { return step(walk, draws).ln_ratio; }
+};
 
 // --- Scaffold ---
 

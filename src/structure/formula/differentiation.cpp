@@ -16,23 +16,10 @@ DifferentiationPlan::DifferentiationPlan(long asked) noexcept : steps(asked) {
 
 namespace {
 
-struct PairStep {
-    [[gnu::always_inline]] FixedLn operator()(TableWalk const& t, DrawBlock& draws) const noexcept {
-        return two_row_step(t, draws).ln_ratio;
-    }
-};
-
-struct SamplesStep {
-    [[gnu::always_inline]] FixedLn operator()(TableWalk const& t, DrawBlock& draws) const noexcept {
-        return two_way_step(t, draws).ln_ratio;
-    }
-};
-
-template <class Step>
+template <auto step>
 ChainOutcome walk(ContingencyTable const& observed, ChainPlan const& plan, EarlyEnd const& early,
                   std::function<bool()> const& is_stopped, std::function<void(long)> const& batch_ended) {
     ContingencyTable table = observed;
-    TableWalk const t(table);
     DrawBlock draws(chain_generator());
     return restarted_chain(
         plan, early,
@@ -40,7 +27,7 @@ ChainOutcome walk(ContingencyTable const& observed, ChainPlan const& plan, Early
             std::copy(observed.cells.begin(), observed.cells.end(), table.cells.begin());
             return is_stopped && is_stopped() ? BatchStart::stopped : BatchStart::ready;
         },
-        [&] { return Step{}(t, draws); },
+        StepOf<step>{TableWalk(table), draws},
         [&] {
             if (batch_ended) batch_ended(plan.per_batch);
             return true;
@@ -65,9 +52,9 @@ ChainOutcome test_differentiation(ContingencyTable const& observed, Differentiat
     lengths.batches = plan.batches;
     lengths.per_batch = plan.batch_length;
     if (chain == DifferentiationChain::pair) {
-        return walk<PairStep>(observed, lengths, {precision, false}, is_stopped, batch_ended);
+        return walk<two_row_step>(observed, lengths, {precision, false}, is_stopped, batch_ended);
     }
-    return walk<SamplesStep>(observed, lengths, {precision, true}, is_stopped, batch_ended);
+    return walk<two_way_step>(observed, lengths, {precision, true}, is_stopped, batch_ended);
 }
 
 }  // namespace tov

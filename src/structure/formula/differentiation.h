@@ -15,7 +15,7 @@ namespace tov {
 [[gnu::always_inline]] inline ChainStep two_row_step(TableWalk const& t, DrawBlock& draws) noexcept {
     draws.require(step_look_ahead);
     double const* next = draws.ahead();
-    int const i = take_index(next, t.columns());
+    int const i = index_of(*next++, t.columns());
     int const j = take_other_index(draws, next, t.columns(), i);
     return margin_step(t, 0, i, 1, j, draws, next);
 }

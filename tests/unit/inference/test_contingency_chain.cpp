@@ -132,6 +132,42 @@ TEST(HardyWeinbergStep, SpendsADrawForEveryIndexAndOneForTheDecision) {
     EXPECT_EQ(test::draws_since(before), expected);
 }
 
+TEST(TakeOtherIndex, SpendsTheNumbersOfSingleDraws) {
+    test::FreshProcess fresh;
+    Ran3State single = random_state.ran3;
+    {
+        DrawBlock draws(chain_generator());
+        for (int s = 0; s < 60000; ++s) {
+            int const n = 2 + s % 11;
+            int const taken = s / 11 % n;
+            draws.require(step_look_ahead);
+            double const* next = draws.ahead();
+            int const x = take_other_index(draws, next, n, taken);
+            draws.use_until(next);
+            int expected = taken;
+            while (expected == taken) expected = static_cast<int>(n * single.draw());
+            ASSERT_EQ(x, expected) << n << " numbers, " << taken << " taken";
+        }
+    }
+    EXPECT_EQ(uniform(), single.draw());
+}
+
+TEST(QuotientAgainst, TellsWhatTheRoundedQuotientTells) {
+    test::FreshProcess fresh;
+    auto const sign = [](double x) { return (x > 0.0) - (x < 0.0); };
+    auto const count = [](double most) { return std::floor(most * uniform()); };
+    for (int s = 0; s < 200000; ++s) {
+        double const most = s % 2 ? 20.0 : 1e9;
+        double const above = count(most) * count(most) * 0.25;
+        double const below = (count(most) + 1.0) * (count(most) + 1.0);
+        double const quotient = above / below;
+        for (double const u : {quotient, std::nextafter(quotient, 2.0), std::nextafter(quotient, 0.0),
+                               quotient * (1.0 + 0x1p-50), quotient * (1.0 - 0x1p-50), uniform(), 0.0}) {
+            ASSERT_EQ(sign(quotient_against(u, above, below)), sign(quotient - u)) << above << " / " << below;
+        }
+    }
+}
+
 TEST(TwoWayStep, ImpossibleMoveSpendsItsDrawAndChangesNothing) {
     test::FreshProcess fresh;
     ContingencyTable t = table_of({{0, 3}, {0, 4}});
