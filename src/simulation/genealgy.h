@@ -218,8 +218,13 @@ public:
     /// Draws: the rates' ones; for nucleotides one a site for the root's states; then in pre-order, left before right,
     /// each branch's poidev() and for each of its mutations the site and the state. Under uniform rates mutations fill
     /// the sites in order without a draw until every site has one.
+    /// A tree that expects more than `most_mutations` gets none, as if the rate were 0: an estimate without an upper
+    /// bound would take all memory and time.
     /// @return mutations placed.
     int add_mutations(MutationModel const& model);
+    static constexpr double most_mutations = 2e7;
+    /// Sum of the lengths of all branches.
+    [[nodiscard]] double length() const noexcept;
     [[nodiscard]] MutationLog const& log() const noexcept { return log_; }
     [[nodiscard]] int nb_mutations() const noexcept { return static_cast<int>(log_.events.size()); }
     /// No mutations on any branch.

@@ -284,8 +284,21 @@ int TTree::add_mutations(MutationModel const& model) {
             rates.build(model.sites, model.gamma_a, model.first_rate, model.first_fraction);
         }
     }
+    MutationModel feasible = model;
+    // No branch is longer than the root is old.
+    bool const many = model.mu * root().time * nb_nodes() > most_mutations;
+    if (many && model.mu * length() > most_mutations) feasible.mu = 0.0;
     long idum = 1;
-    return MutationWalk(model, &idum, log_).run(root(), 0, nb_nodes());
+    return MutationWalk(feasible, &idum, log_).run(root(), 0, nb_nodes());
+}
+
+double TTree::length() const noexcept {
+    double sum = 0.0;
+    for (std::size_t i = 0; i < static_cast<std::size_t>(nb_nodes()); ++i) {
+        TNode const& node = nodes_[i];
+        if (node.ancestor) sum += node.ancestor->time - node.time;
+    }
+    return sum;
 }
 
 void TTree::clear_mutations() noexcept {

@@ -47,6 +47,16 @@ class Mismatch(support.RunTestCase):
             found = sorted((text.index(title), title) for title in (three, four) if title in text)
             self.assertEqual([title for _, title in found], expected)
 
+    def test_an_estimate_without_upper_bound_has_no_intervals(self):
+        samples = (("Few", (("a", 2, "ACGTACGTAC"), ("b", 1, "ACGTACGTAT"))),)
+        log = self.run_project(support.dna_project(samples=samples),
+                               **dict(KEYS, MismatchSpatialExpNumParams=4, NumBootExpDem=20))
+        self.assertIn("Successful run of", log)
+        spatial = self.document().split("Parameters of the spatial expansion assuming different deme size")[1]
+        self.assertRegex(spatial, r"\nTheta1                              : \d{12,}\.")
+        self.assertIn("        #Diff     Observed    Model Freq.\n", spatial)
+        self.assertNotIn("Test of goodness-of-fit", spatial)
+
     def test_a_single_haplotype_has_no_estimates(self):
         self.run_project(support.dna_project(samples=(("One", (("h", 5, "ACGTACGT"),)),)), **KEYS)
         self.assertIn("The variance of the mismatch distribution is to small,", self.document())

@@ -175,7 +175,8 @@ TEST_F(Mutations, EventsGiveTheStatesThatStepByStepCopyingGives) {
         tree.write_sequences();
         for (int i = 0; i < 12; ++i) {
             for (int site = 0; site < 8; ++site) {
-                ASSERT_EQ((*tree[i].sequence)[site], states[static_cast<std::size_t>(i)][static_cast<std::size_t>(site)]);
+                ASSERT_EQ((*tree[i].sequence)[site],
+                          states[static_cast<std::size_t>(i)][static_cast<std::size_t>(site)]);
             }
         }
     }
@@ -263,6 +264,27 @@ TEST_F(Mutations, ZeroRateStillDrawsOnceABranch) {
     EXPECT_EQ(test::draws_since_seed(), 15 + 10);
 }
 
+TEST_F(Mutations, ATreeThatExpectsTooManyGetsNone) {
+    test::seed();
+    make(6, model_of(1.0, 5, MUT_BINARY));
+    double const length = tree.length();
+    double expected = 0.0;
+    for (int i = 0; i < tree.nb_nodes(); ++i) {
+        if (tree[i].ancestor) expected += tree[i].ancestor->time - tree[i].time;
+    }
+    EXPECT_DOUBLE_EQ(length, expected);
+    ASSERT_GT(length, 0.0);
+    for (double const mu : {1.01 * TTree::most_mutations / length, 1e15, 1e300}) {
+        ASSERT_TRUE(TTree::prepare_hits(5));
+        EXPECT_EQ(tree.add_mutations(model_of(mu, 5, MUT_BINARY)), 0);
+        EXPECT_EQ(tree.nb_mutations(), 0);
+        tree.write_sequences();
+        EXPECT_EQ((*tree[0].sequence)[0], (*tree[5].sequence)[0]);
+    }
+    ASSERT_TRUE(TTree::prepare_hits(5));
+    EXPECT_GT(tree.add_mutations(model_of(1000.0 / length, 5, MUT_BINARY)), 800);
+}
+
 TEST_F(Mutations, NoSitesMeanNoMutations) {
     test::seed();
     make(6, model_of(3.0, 0, MUT_NUCLEOTIDES));
@@ -317,8 +339,8 @@ TEST_F(Mutations, SegregatingSitesHaveTheirMeanAndVariance) {
         // Watterson 1975; Tajima 1983
         EXPECT_NEAR(S.mean(), theta * a1, 4.0 * S.error_of_mean()) << n;
         EXPECT_NEAR(S.variance(), theta * a1 + theta * theta * a2, 4.0 * S.error_of_variance()) << n;
-        double const var_pi = (n + 1.0) * theta / (3.0 * (n - 1.0)) +
-                              2.0 * (n * n + n + 3.0) * theta * theta / (9.0 * n * (n - 1.0));
+        double const var_pi =
+            (n + 1.0) * theta / (3.0 * (n - 1.0)) + 2.0 * (n * n + n + 3.0) * theta * theta / (9.0 * n * (n - 1.0));
         EXPECT_NEAR(pi.mean(), theta, 4.0 * pi.error_of_mean()) << n;
         EXPECT_NEAR(pi.variance(), var_pi, 4.0 * pi.error_of_variance()) << n;
     }
@@ -367,7 +389,8 @@ TEST_F(Mutations, NumberOfAllelesFollowsEwensDistribution) {
     }
     for (int k = 1; k <= n; ++k) {
         double const p = stirling[static_cast<std::size_t>(k)] * std::pow(theta, k) / rising;
-        EXPECT_NEAR(seen[static_cast<std::size_t>(k)], p * REPLICATES, 4.0 * std::sqrt(REPLICATES * p * (1.0 - p)) + 1.0)
+        EXPECT_NEAR(seen[static_cast<std::size_t>(k)], p * REPLICATES,
+                    4.0 * std::sqrt(REPLICATES * p * (1.0 - p)) + 1.0)
             << k;
     }
 }
