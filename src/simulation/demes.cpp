@@ -34,8 +34,8 @@ void DemeLineages::create(int d, int per_group) {
     }
     per_group_ = std::max(1, per_group);
     demes_.assign(index(std::max(0, d)), Deme());
-    occupied_.clear();
-    occupied_.reserve(demes_.size());
+    occupied_.assign(demes_.size() + scanned_at_once, Occupied());
+    nb_occupied_ = 0;
     first_of_group_.clear();
     for (int deme = 0; deme < d; ++deme) {
         if (deme % per_group_ == 0) first_of_group_.push_back(deme);
@@ -46,15 +46,15 @@ void DemeLineages::create(int d, int per_group) {
 }
 
 void DemeLineages::clean() noexcept {
-    for (Occupied const& o : occupied_) demes_[index(o.deme)].lineages.clear();
-    occupied_.clear();
+    for (Occupied const& o : occupied_slots()) demes_[index(o.deme)].lineages.clear();
+    nb_occupied_ = 0;
     pairs_ = 0;
     active_ = 0;
 }
 
 int DemeLineages::count_in_group(int group) const noexcept {
     int sum = 0;
-    for (Occupied const& o : occupied_) sum += group_of(o.deme) == group ? o.count : 0;
+    for (Occupied const& o : occupied_slots()) sum += group_of(o.deme) == group ? o.count : 0;
     return sum;
 }
 
@@ -68,9 +68,9 @@ int DemeLineages::slot_of_rate(double v) const noexcept {
     std::int64_t const wanted =
         std::clamp<std::int64_t>(static_cast<std::int64_t>(std::ceil(v)), 1, std::max<std::int64_t>(pairs_, 1));
     std::int64_t sum = 0;
-    for (std::size_t slot = 0; slot < occupied_.size(); ++slot) {
-        sum += pairs_of(occupied_[slot].count);
-        if (sum >= wanted) return static_cast<int>(slot);
+    for (int slot = 0; slot < nb_occupied_; ++slot) {
+        sum += pairs_of(occupied_[index(slot)].count);
+        if (sum >= wanted) return slot;
     }
     return -1;
 }

@@ -56,7 +56,7 @@ public:
     [[nodiscard]] int per_group() const noexcept { return per_group_; }
     [[nodiscard]] int groups() const noexcept { return static_cast<int>(first_of_group_.size()); }
     [[nodiscard]] int active() const noexcept { return active_; }
-    [[nodiscard]] int occupied() const noexcept { return static_cast<int>(occupied_.size()); }
+    [[nodiscard]] int occupied() const noexcept { return nb_occupied_; }
     [[nodiscard]] int count(int deme) const noexcept { return static_cast<int>(demes_[index(deme)].lineages.size()); }
     [[nodiscard]] int count_in_group(int group) const noexcept;
     [[nodiscard]] std::span<int const> lineages(int deme) const noexcept { return demes_[index(deme)].lineages; }
@@ -75,10 +75,23 @@ public:
     /// The j-th lineage, counted through the occupied demes in their order.
     [[nodiscard]] Place place_of(int j) const noexcept {
         if (occupied() == active_) return {j, 0};
-        Occupied const* const all = occupied_.data();
-        int slot = 0;
-        while (j >= all[slot].count) j -= all[slot++].count;
-        return {slot, j};
+        // Blocks of slots are passed over as a whole; in the last one no step asks whether it is the last. What stands
+        // behind the occupied slots is never reached by the sums.
+        Occupied const* block = occupied_.data();
+        while (true) {
+            int const sum = block[0].count + block[1].count + block[2].count + block[3].count;
+            if (j < sum) break;
+            j -= sum;
+            block += scanned_at_once;
+        }
+        int const first = block[0].count;
+        int const second = first + block[1].count;
+        int const third = second + block[2].count;
+        int const passed = (j >= first) + (j >= second) + (j >= third);
+        int before = j >= first ? first : 0;
+        before = j >= second ? second : before;
+        before = j >= third ? third : before;
+        return {static_cast<int>(block - occupied_.data()) + passed, j - before};
     }
 
     /// Two lineages of the deme in `slot` join: `node` takes the place of the second one.
@@ -98,9 +111,8 @@ public:
         here.pop_back();
         pairs_ -= static_cast<std::int64_t>(here.size());
         if (--source.count == 0) {
-            source = occupied_.back();
+            source = occupied_[index(--nb_occupied_)];
             demes_[index(source.deme)].slot = from.slot;
-            occupied_.pop_back();
         }
         add_lineage(target, lineage);
     }
@@ -112,11 +124,16 @@ private:
         int group = 0;
     };
     struct Occupied {
-        int deme;
-        int count;  ///< of its lineages
+        int deme = 0;
+        int count = 0;  ///< of its lineages
     };
 
+    static constexpr int scanned_at_once = 4;
+
     static std::size_t index(int i) noexcept { return static_cast<std::size_t>(i); }
+    [[nodiscard]] std::span<Occupied const> occupied_slots() const noexcept {
+        return {occupied_.data(), index(nb_occupied_)};
+    }
     static std::int64_t pairs_of(std::int64_t c) noexcept { return c * (c - 1) / 2; }
     void add_lineage(int deme, int lineage) {
         Deme& target = demes_[index(deme)];
@@ -124,8 +141,8 @@ private:
         target.lineages.push_back(lineage);
         pairs_ += static_cast<std::int64_t>(before);
         if (before == 0) {
-            target.slot = occupied();
-            occupied_.push_back({deme, 1});
+            target.slot = nb_occupied_++;
+            occupied_[index(target.slot)] = {deme, 1};
         } else {
             ++occupied_[index(target.slot)].count;
         }
@@ -133,7 +150,9 @@ private:
 
     int per_group_ = 0;
     std::vector<Deme> demes_;
-    std::vector<Occupied> occupied_;  ///< in the order of their first lineage, but for filled gaps
+    /// In the order of their first lineage, but for filled gaps; sized for all demes and a block.
+    std::vector<Occupied> occupied_;
+    int nb_occupied_ = 0;
     std::vector<int> first_of_group_;
     std::int64_t pairs_ = 0;
     int active_ = 0;

@@ -82,6 +82,17 @@ private:
     double t_ = 0.0;
 };
 
+/// Demes of each simulated group: fewer than a group has samples become that and some more.
+int enough_demes_per_group(SampledCopies const& sampled, int wanted) {
+    auto const largest = std::max_element(sampled.group_sizes.begin(), sampled.group_sizes.end());
+    bool const too_few = largest != sampled.group_sizes.end() && wanted < *largest;
+    return too_few ? *largest + spare_demes : wanted;
+}
+
+int enough_groups(SampledCopies const& sampled, int wanted) {
+    return std::max(wanted, static_cast<int>(sampled.group_sizes.size()));
+}
+
 int cannot_build() {
     std::cout << "\tTTree::build_tree_struct_pop(): unable to build Tree\n";
     return 0;
@@ -123,10 +134,8 @@ void TTree::createInitialNodes(SampledCopies const& sampled, int demes) {
 }
 
 void TTree::createInitialNodes(SampledCopies const& sampled, int demes_per_group, int groups) {
-    int const real_groups = static_cast<int>(sampled.group_sizes.size());
-    int const largest = real_groups > 0 ? *std::max_element(sampled.group_sizes.begin(), sampled.group_sizes.end()) : 0;
-    int const s = demes_per_group < largest ? largest + spare_demes : demes_per_group;
-    createDemes(ISLAND, s, std::max(groups, real_groups));
+    int const s = enough_demes_per_group(sampled, demes_per_group);
+    createDemes(ISLAND, s, enough_groups(sampled, groups));
     demes_.clean();
     start_structured(sampled);
     Urn groups_left(demes_.groups());
@@ -246,7 +255,8 @@ int TTree::build_tree_struct_pop(SampledCopies const& sampled, double const& Fst
 int TTree::build_tree_struct_pop(SampledCopies const& sampled, double const& Fst, double const& Fct,
                                  int demes_per_group, int groups) {
     if (sampled.total() < 1 || demes_per_group < 1 || groups < 1) return cannot_build();
-    if (static_cast<long long>(demes_per_group) * groups > most_demes) return cannot_build();
+    long long const s = enough_demes_per_group(sampled, demes_per_group);
+    if (s * enough_groups(sampled, groups) > most_demes) return cannot_build();
     createInitialNodes(sampled, demes_per_group, groups);
     MigrationRates const rates = two_level_island_rates(Fst, Fct, demes_.per_group(), demes_.groups());
     return run_islands(rates, true) ? 1 : cannot_build();

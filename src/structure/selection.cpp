@@ -99,15 +99,11 @@ public:
         r_.targets = target_means(r_.loci, r_.several_groups);
         make_plan();
         if (r_.plan.makes_files) {
-            make_projects();
+            if (can_simulate()) make_projects();
             return;
         }
         if (!read_null_loci()) {
-            if (!r_.several_groups && !(r_.targets.FST > 0.0)) {
-                set.ofs() << "\nMean FST is not positive: no simulations\n";
-                return;
-            }
-            if (!simulate_null_loci()) return;
+            if (!can_simulate() || !simulate_null_loci()) return;
         }
         if (!test_loci()) return;
         print_selection_results(set, tested_, r_);
@@ -137,11 +133,11 @@ private:
         for (int i = 0; i < view_.alleles->nb_loci(); ++i) {
             TLocus const& locus = *(*view_.alleles)[i];
             TestedLocus tested;
-            tested.FST = std::isfinite(locus.FST) ? locus.FST : unusable_locus;
+            tested.FST = std::isfinite(locus.FST) ? without_rounding(locus.FST) : unusable_locus;
             tested.het_between = het_between_populations(locus.mean_heterozygosity, tested.FST);
             if (r_.several_groups) {
-                tested.FSC = locus.FSC;
-                tested.FCT = locus.FCT;
+                tested.FSC = without_rounding(locus.FSC);
+                tested.FCT = without_rounding(locus.FCT);
             }
             r_.loci.push_back(tested);
             settings::inc_work_done(1.0);
@@ -156,13 +152,14 @@ private:
         plan.simulations = std::max(0, set.NumberOfSimsForFDist2);
         plan.model.two_levels = r_.several_groups;
         plan.model.demes = set.NumberOfDemesForFDist2;
-        plan.model.groups = r_.several_groups ? std::max(set.NumberOfGroupsForFDist2, tested_.nb_groups()) : 1;
+        plan.model.groups = r_.several_groups ? set.NumberOfGroupsForFDist2 : 1;
         plan.het_low = set.TargetHetLowBound;
         plan.het_high = set.TargetHetHighBound;
         if (has_state_characters(mutation_type_of(view_.samples->DataType))) {
             plan.het_high = std::min(plan.het_high, 0.5);
         }
-        read_simulation_parameters(plan, r_.targets);
+        if (std::ifstream in("simParamFile.txt"); in) read_simulation_parameters(in, plan, r_.targets);
+        plan.model.groups = std::max(plan.model.groups, tested_.nb_groups());
         plan.model.Fst = r_.targets.FST;
         plan.model.Fct = r_.targets.FCT;
         plan.theta_limit = r_.targets.FST > 0.0 ? std::min(1.0 / r_.targets.FST - 1.0, 1.0) : 0.0;
@@ -171,7 +168,15 @@ private:
     bool read_null_loci() {
         settings const& set = view_.set;
         if (set.UseSimFileForFDist2 == 0 || set.SimFileNameForFDist2.empty()) return false;
-        return read_simulated_loci(set.SimFileNameForFDist2, r_.several_groups, r_.simulated);
+        std::ifstream in(set.SimFileNameForFDist2);
+        return read_simulated_loci(in, r_.several_groups, r_.simulated);
+    }
+
+    /// A flat model needs differentiation; otherwise the document says so.
+    [[nodiscard]] bool can_simulate() const {
+        if (r_.several_groups || r_.targets.FST > 0.0) return true;
+        view_.set.ofs() << "\nMean FST is not positive: no simulations\n";
+        return false;
     }
 
     /// The next locus whose tree could be built. @return false when no more tries are left.
@@ -195,10 +200,9 @@ private:
         NullLoci loci(view_, tested_);
         SimulationTable table(view_.set, r_.several_groups, r_.targets);
         for (int i = 1; i <= r_.plan.simulations && next_locus(loci); ++i) {
-            LocusFixation const locus = loci.statistics();
-            double const het = locus.FST == 0.0 ? 0.0 : het_between_populations(locus.mean_heterozygosity, locus.FST);
-            r_.simulated.add(het, locus.FST, locus.FCT, loci.mutations());
-            table.add(locus, loci.target_het(), het, loci.mutations(), loci.type());
+            SimulatedLocus const locus = simulated_locus(loci.statistics());
+            r_.simulated.add(locus.het_between, locus.FST, locus.FCT, loci.mutations());
+            table.add(locus, loci.target_het(), loci.mutations(), loci.type());
             if (!progress(i)) return false;
         }
         return true;
@@ -206,12 +210,15 @@ private:
 
     void make_projects() {
         settings const& set = view_.set;
+        if (r_.plan.files == 1) {
+            SimulationTable const head_alone(set, r_.several_groups, r_.targets);
+        }
         std::string base = settings::input_file;
         if (std::size_t const dot = base.find_last_of('.'); dot != std::string::npos) base.resize(dot);
         std::ofstream list(set.project_dir + "sims.tvb", std::ios::trunc);
         NullLoci loci(view_, tested_);
         SimulatedProject project(view_, tested_);
-        for (int file = 1; file <= r_.plan.files; ++file) {
+        for (int file = 1; file <= r_.plan.files && !stopped(); ++file) {
             project.clear();
             failures_ = 0;
             for (int i = 1; i <= r_.plan.simulations && next_locus(loci); ++i) {

@@ -1,8 +1,8 @@
 // Detection of loci under selection: the joint distribution of F-statistics and heterozygosity in neutral loci.
 #pragma once
 
+#include <iosfwd>
 #include <span>
-#include <string>
 #include <vector>
 
 #include "model/project_view.h"
@@ -43,11 +43,26 @@ struct FixationTargets {
     double FCT = 0.0;
 };
 
+/// An F-statistic as it is tested: what rounding leaves of 0 is 0, so that equal data are tested alike however their
+/// sums were rounded. The smallest values that data can have are far above.
+[[nodiscard]] double without_rounding(double F) noexcept;
 /// H / (1 - FST); 1 where FST is 1 or marks an unusable locus.
 [[nodiscard]] double het_between_populations(double H, double FST) noexcept;
 /// Means over loci weighted by the heterozygosity between populations; loci that are unusable don't count.
 /// @param several_groups  FCT is averaged too, and FSC follows from both; otherwise they are 0.
 [[nodiscard]] FixationTargets target_means(std::vector<TestedLocus> const& loci, bool several_groups) noexcept;
+
+/// A simulated locus as it enters the null distribution.
+struct SimulatedLocus {
+    double FST = 0.0;
+    double FSC = 0.0;  ///< several groups only, as FCT
+    double FCT = 0.0;
+    double H = 0.0;            ///< mean heterozygosity over samples; 0 with an FST of 0
+    double het_between = 0.0;  ///< 0 with an FST of 0
+};
+
+/// Without differentiation a locus counts as one without heterozygosity, as a locus of one allele is.
+[[nodiscard]] SimulatedLocus simulated_locus(LocusFixation const& locus) noexcept;
 
 /// Simulated loci, one entry a locus.
 struct SimulatedLoci {
@@ -59,7 +74,6 @@ struct SimulatedLoci {
     double highest = -10.0;
 
     void add(double het_between, double fst, double fct, int nb_mutations);
-    void clear() { *this = SimulatedLoci(); }
 };
 
 /// What the simulations are made with.
@@ -81,12 +95,15 @@ struct SimulationPlan {
 /// The mutation model of a data type.
 [[nodiscard]] Mut_Type mutation_type_of(int data_type) noexcept;
 
-/// Reads "simParamFile.txt" of the working directory into the plan and its targets, if it is there: number of files,
-/// loci per file, groups, demes, FSC, FCT, each on the second line after the one before, from the third line on.
-void read_simulation_parameters(SimulationPlan& plan, FixationTargets& targets);
+/// Reads a file of parameters into the plan and its targets: number of files, loci per file, groups, demes, FSC, FCT,
+/// each the first word of the second line after the one before, from the third line on. FST follows from the last two.
+///
+/// What isn't there or no finite number stays as it was; with one group the number of groups isn't used.
+void read_simulation_parameters(std::istream& in, SimulationPlan& plan, FixationTargets& targets);
 
-/// Reads the simulated loci of an earlier run. @return whether a line was read.
-bool read_simulated_loci(std::string const& file, bool several_groups, SimulatedLoci& loci);
+/// Reads the simulated loci of an earlier run: a head, then lines of columns between tabs; the others are passed over.
+/// @return whether a line was read.
+bool read_simulated_loci(std::istream& in, bool several_groups, SimulatedLoci& loci);
 
 /// Simulates loci for a structure and computes their statistics. Kept from locus to locus.
 class NullLoci {

@@ -158,8 +158,7 @@ SimulationTable::SimulationTable(settings const& set, bool several_groups, Fixat
     }
 }
 
-void SimulationTable::add(LocusFixation const& locus, double target_het, double het_between, int mutations,
-                          Mut_Type type) {
+void SimulationTable::add(SimulatedLocus const& locus, double target_het, int mutations, Mut_Type type) {
     out_ << locus.FST;
     if (several_groups_) out_ << '\t' << locus.FSC << '\t' << locus.FCT;
     if (has_state_characters(type)) {
@@ -167,7 +166,7 @@ void SimulationTable::add(LocusFixation const& locus, double target_het, double 
     } else {
         out_ << '\t' << target_het;
     }
-    out_ << '\t' << het_between << '\t' << locus.mean_heterozygosity << '\t' << mutations << '\n';
+    out_ << '\t' << locus.het_between << '\t' << locus.H << '\t' << mutations << '\n';
 }
 
 void print_selection_results(settings const& set, Structure const& tested, SelectionResults const& r) {

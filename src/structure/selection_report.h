@@ -17,7 +17,7 @@ class SimulationTable {
 public:
     SimulationTable(settings const& set, bool several_groups, FixationTargets const& targets);
     /// @param target_het  heterozygosity aimed at; not shown for single sites.
-    void add(LocusFixation const& locus, double target_het, double het_between, int mutations, Mut_Type type);
+    void add(SimulatedLocus const& locus, double target_het, int mutations, Mut_Type type);
 
 private:
     std::ofstream out_;

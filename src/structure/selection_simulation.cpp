@@ -2,7 +2,8 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
-#include <fstream>
+#include <istream>
+#include <string>
 #include <string_view>
 
 #include "base/random.h"
@@ -93,10 +94,17 @@ SampledCopies sampled_of(ProjectView const& view, Structure const& tested) {
     return sampled;
 }
 
-/// Value of a whole text; false when it isn't a finite number.
+constexpr std::string_view blanks = " \t\r";
+
+std::string_view first_word(std::string_view text) {
+    text.remove_prefix(std::min(text.find_first_not_of(blanks), text.size()));
+    return text.substr(0, text.find_first_of(blanks));
+}
+
+/// Value of a whole text between blanks; false when it isn't a finite number.
 bool read_number(std::string_view text, double& value) {
-    while (!text.empty() && (text.back() == '\r' || text.back() == ' ')) text.remove_suffix(1);
-    while (!text.empty() && text.front() == ' ') text.remove_prefix(1);
+    text.remove_prefix(std::min(text.find_first_not_of(blanks), text.size()));
+    text = text.substr(0, text.find_last_not_of(blanks) + 1);
     auto const [end, status] = std::from_chars(text.data(), text.data() + text.size(), value);
     return status == std::errc() && end == text.data() + text.size() && !text.empty() && std::isfinite(value);
 }
@@ -153,9 +161,7 @@ Mut_Type mutation_type_of(int data_type) noexcept {
     }
 }
 
-void read_simulation_parameters(SimulationPlan& plan, FixationTargets& targets) {
-    std::ifstream in("simParamFile.txt");
-    if (!in) return;
+void read_simulation_parameters(std::istream& in, SimulationPlan& plan, FixationTargets& targets) {
     plan.makes_files = true;
     double values[6] = {
         1.0,         0.0,        static_cast<double>(plan.model.groups), static_cast<double>(plan.model.demes),
@@ -166,19 +172,32 @@ void read_simulation_parameters(SimulationPlan& plan, FixationTargets& targets) 
         // the first value stands on line 3, each later one two lines below
         if (number < 3 || number % 2 == 0) continue;
         double value = 0.0;
-        if (read_number(line, value)) values[read] = value;
+        if (read_number(first_word(line), value)) values[read] = value;
         ++read;
     }
     plan.files = std::max(0, whole(values[0]));
     if (values[1] > 0.0) plan.simulations = whole(values[1]);
-    if (plan.model.two_levels) plan.model.groups = std::max(plan.model.groups, whole(values[2]));
+    if (plan.model.two_levels) plan.model.groups = whole(values[2]);
     plan.model.demes = whole(values[3]);
     targets.FSC = values[4];
     targets.FCT = values[5];
     targets.FST = 1.0 - (1.0 - targets.FSC) * (1.0 - targets.FCT);
 }
 
-// --- Loci of an earlier run ---
+// --- Simulated loci, and those of an earlier run ---
+
+double without_rounding(double F) noexcept {
+    constexpr double rounding = 1e-12;
+    return std::fabs(F) < rounding ? 0.0 : F;
+}
+
+SimulatedLocus simulated_locus(LocusFixation const& locus) noexcept {
+    SimulatedLocus s{without_rounding(locus.FST), without_rounding(locus.FSC), without_rounding(locus.FCT)};
+    if (s.FST == 0.0) return s;
+    s.H = locus.mean_heterozygosity;
+    s.het_between = het_between_populations(s.H, s.FST);
+    return s;
+}
 
 void SimulatedLoci::add(double het_between, double fst, double fct, int nb_mutations) {
     het.push_back(het_between);
@@ -189,8 +208,7 @@ void SimulatedLoci::add(double het_between, double fst, double fct, int nb_mutat
     highest = std::max(highest, het_between);
 }
 
-bool read_simulated_loci(std::string const& file, bool several_groups, SimulatedLoci& loci) {
-    std::ifstream in(file);
+bool read_simulated_loci(std::istream& in, bool several_groups, SimulatedLoci& loci) {
     std::string line;
     std::getline(in, line);
     bool read = false;

@@ -146,10 +146,71 @@ class Selection(RunTestCase):
                 self.assertEqual(table.search(first).group(1), table.search(second).group(1))
                 self.assertFalse(self.exists("b.res", "fdist2_simOut.txt"))
 
+    def test_a_project_can_be_tested_against_its_own_earlier_simulations(self):
+        self.detect(project())
+        first = self.rows()
+        table = self.read("p.res", "fdist2_simOut.txt")
+        self.detect(project(), UseSimFileForFDist2=1, SimFileNameForFDist2="p.res/fdist2_simOut.txt",
+                    NumberOfSimsForFDist2=7)
+        self.assertEqual(self.rows(), first)
+        self.assertEqual(self.read("p.res", "fdist2_simOut.txt"), table)
+
     def test_missing_simulation_file_is_no_failure(self):
         self.detect(project(), UseSimFileForFDist2=1, SimFileNameForFDist2="nowhere.txt")
         self.assertEqual(len(self.rows("fdist2_simOut.txt")), 300)
         self.assertNotIn("[ERROR", self.log())
+
+    def test_bad_simulation_files_are_no_failure(self):
+        self.detect(project(), "good")
+        good = self.read("good.res", "fdist2_simOut.txt")
+        cut = good[:len(good) // 2]
+        bad = {"empty": "", "head": good.splitlines()[0], "no_numbers": "head\n" + "x\ty\tz\n" * 9,
+               "nan": "head\n" + "nan\tnan\tinf\t1\t1\n" * 9, "bytes": "".join(map(chr, range(256))) * 40}
+        for name, text in bad.items():
+            with self.subTest(name):
+                self.write(name + ".sims", text)
+                self.detect(project(), name, UseSimFileForFDist2=1, SimFileNameForFDist2=name + ".sims")
+                self.assertEqual(self.rows(name=name), self.rows(name="good"))  # simulated as without a file
+                self.assert_well_formed(name + ".res", name + ".xml")
+        self.write("cut.sims", cut)
+        document = self.detect(project(), "cut", UseSimFileForFDist2=1, SimFileNameForFDist2="cut.sims")
+        self.assertIn("No. of coalescent simulations performed: %d\n" % (cut.count("\n") - 1 + (cut[-1] != "\n")),
+                      document)
+        self.assert_well_formed("cut.res", "cut.xml")
+
+    def test_bad_parameter_files_are_no_failure(self):
+        for name, text in (("nothing", ""), ("title", "title"), ("words", "a\nb\nc\nd\ne\nf\n" * 4),
+                           ("out_of_range", "t\nf\n-1\nl\n-5\ng\n1e300\nd\n1e300\nFSC\n7\nFCT\n-1e300\n"),
+                           ("bytes", "".join(map(chr, range(256))) * 4)):
+            with self.subTest(name):
+                self.write("simParamFile.txt", text)
+                self.detect(project(), name, NumberOfSimsForFDist2=20)
+                self.assert_well_formed(name + ".res", name + ".xml")
+                self.assertFalse(self.exists(name + ".res", "fdist2_ObsOut.txt"))
+
+    def test_too_many_demes_leave_all_loci_without_a_value(self):
+        document = self.detect(project(), NumberOfDemesForFDist2=2000000000, NumberOfSimsForFDist2=5)
+        self.assertIn("No. of coalescent simulations performed: 0\n", document)
+        self.assertEqual({row[3] for row in self.rows()}, {"2"})
+        self.assert_well_formed("p.res", "p.xml")
+
+    def test_no_differentiation_is_no_heterozygosity_of_a_simulated_locus(self):
+        self.detect(project("DNA", samples=6, groups=1, copies=40), NumberOfSimsForFDist2=1000)
+        simulated = [[float(row[0])] + [float(x) for x in row[2:4]] for row in self.rows("fdist2_simOut.txt")]
+        self.assertFalse([row for row in simulated if 0.0 < abs(row[0]) < 1e-12])
+        without = [row for row in simulated if row[0] == 0.0]
+        self.assertGreater(len(without), 30)  # derived alleles in one copy
+        self.assertEqual({tuple(row) for row in without}, {(0.0, 0.0, 0.0)})
+
+    def test_single_copy_of_an_allele_differentiates_nothing(self):
+        lines = project("DNA", samples=5, copies=40, groups=1, loci=3).splitlines()
+        rows = [i for i, line in enumerate(lines) if re.match(r"\t\t\d+\t1\t[AG]{3}$", line)]
+        for i in rows:
+            lines[i] = lines[i][:-1] + ("G" if i == rows[50] else "A")
+        self.detect("\n".join(lines) + "\n")
+        het, fst, p = map(float, self.rows()[2][1:])
+        self.assertAlmostEqual(het, 0.01, 12)
+        self.assertEqual((fst, p), (0.0, 1e-07))  # the tail below 0 is empty
 
     def test_runs_are_reproducible(self):
         self.detect(project(), "a")
@@ -215,19 +276,24 @@ class Selection(RunTestCase):
                  "FCT:", fct]
         self.write("simParamFile.txt", "\n".join(map(str, lines)) + "\n")
 
+    def simulate_projects(self, name, text, parameters, **keys):
+        """The projects that a file of parameters makes of a project; the file is gone afterwards."""
+        self.write_parameters(*parameters)
+        document = self.detect(text, name, **keys)
+        os.remove(self.path("simParamFile.txt"))
+        self.assertNotIn("detSel_FStat_Pval", document)
+        self.assertFalse(self.exists(name + ".res", "fdist2_ObsOut.txt"))
+        made = [self.path(name + ".res", "%s_sim%d.tvp" % (name, k + 1)) for k in range(parameters[0])]
+        listed = [os.path.basename(line) for line in self.read(name + ".res", "sims.tvb").splitlines()]
+        self.assertEqual(listed, [os.path.basename(path) for path in made] if len(made) > 1 else [])
+        return made
+
     def test_simulated_projects_can_be_read_again(self):
         for data_type, genotypic in (("STANDARD", False), ("DNA", True), ("MICROSAT", True), ("RFLP", False)):
             with self.subTest(data_type):
-                name = data_type
-                self.write_parameters(2, 30, 4, 20, 0.1, 0.1)
-                document = self.detect(project(data_type, genotypic=genotypic), name)
-                self.assertNotIn("detSel_FStat_Pval", document)
-                self.assertFalse(self.exists(name + ".res", "fdist2_ObsOut.txt"))
-                made = self.read(name + ".res", "sims.tvb").splitlines()
-                self.assertEqual([os.path.basename(m) for m in made], [name + "_sim1.tvp", name + "_sim2.tvp"])
-                os.remove(self.path("simParamFile.txt"))
-                again = name + "_again"
-                write(self.path(again + ".tvp"), read(self.path(made[0])))
+                made = self.simulate_projects(data_type, project(data_type, genotypic=genotypic), (2, 30, 4, 20, 0.1, 0.1))
+                again = data_type + "_again"
+                write(self.path(again + ".tvp"), read(made[1]))
                 write(self.path(again + ".tvs"), settings_text(**KEYS))
                 self.tovcore(again + ".tvp", again + ".tvs", "run_silent")
                 self.assertNotIn("[ERROR", self.log(again))
@@ -235,11 +301,41 @@ class Selection(RunTestCase):
                 self.assertEqual(len(rows), 30)
                 self.assertGreater(sum(float(row[1]) > 0 for row in rows), 15)
 
+    def test_parameters_of_groups_replace_those_of_the_settings(self):
+        text = project(samples=6, groups=3)
+        keys = dict(UseHierarchicalIslandModel=1, NumberOfGroupsForFDist2=50, NumberOfDemesForFDist2=30)
+        made = self.simulate_projects("a", text, (1, 40, 5, 10, 0.1, 0.2), **keys)
+        same = self.simulate_projects("b", text, (1, 40, 5, 10, 0.1, 0.2), UseHierarchicalIslandModel=1,
+                                      NumberOfGroupsForFDist2=5, NumberOfDemesForFDist2=10)
+        self.assertEqual(read(made[0]), read(same[0]))
+        few = self.simulate_projects("c", text, (1, 40, 1, 10, 0.1, 0.2), **keys)  # never below the real groups
+        three = self.simulate_projects("d", text, (1, 40, 3, 10, 0.1, 0.2), **keys)
+        self.assertEqual(read(few[0]), read(three[0]))
+        self.assertNotEqual(read(few[0]), read(made[0]))
+
+    def test_loci_simulated_under_the_model_have_uniform_tails(self):
+        for data_type, least in (("STANDARD", 0), ("DNA", 0.05)):
+            with self.subTest(data_type):
+                text = project(data_type, samples=10, copies=40, groups=1, loci=1)
+                keys = dict(NumberOfSimsForFDist2=3000, NumberOfDemesForFDist2=100, MinDafFreq=least)
+                made = self.simulate_projects(data_type, text, (1, 600, 1, 100, 0.1, 0), **keys)
+                again = data_type + "_again"
+                self.detect(read(made[0]), again, **keys)
+                p = [float(row[3]) for row in self.rows(name=again) if float(row[1]) > 0.0]
+                self.assertGreaterEqual(len(p), 500)
+                self.assertTrue(0.03 <= sum(x < 0.025 for x in p) / len(p) <= 0.08)
+                self.assertTrue(0.07 <= sum(x < 0.05 for x in p) / len(p) <= 0.15)
+
     def test_one_simulated_project_is_not_listed(self):
-        self.write_parameters(1, 5, 4, 20, 0.1, 0.1)
-        self.detect(project())
-        self.assertTrue(self.exists("p.res", "p_sim1.tvp"))
-        self.assertEqual(self.read("p.res", "sims.tvb"), "")
+        made = self.simulate_projects("p", project(), (1, 5, 4, 20, 0.1, 0.1))
+        self.assertTrue(os.path.exists(made[0]))
+        self.assertEqual(len(self.read("p.res", "fdist2_simOut.txt").splitlines()), 1)  # its head alone
+
+    def test_undifferentiated_projects_are_not_simulated(self):
+        self.write_parameters(1, 5, 4, 20, 0, 0)
+        document = self.detect(project())
+        self.assertIn("Mean FST is not positive: no simulations", document)
+        self.assertFalse(self.exists("p.res", "p_sim1.tvp"))
 
 
 if __name__ == "__main__":

@@ -349,6 +349,16 @@ TEST(TwoLevelIslands, TooFewDemesOfAGroupBecomeSamplesPlusTwenty) {
     EXPECT_EQ(tree.demes().per_group(), 23);
 }
 
+TEST(TwoLevelIslands, MoreDemesThanMemoryHoldsGiveNoTree) {
+    test::FreshProcess fresh;
+    TTree tree;
+    EXPECT_EQ(tree.build_tree_struct_pop(samples_of(2, 2, {1, 1}), 0.2, 0.1, 2000000000, 2000000000), 0);
+    // two demes a group would do, but a group of three samples makes them 23
+    EXPECT_EQ(tree.build_tree_struct_pop(samples_of(4, 2, {1, 3}), 0.2, 0.1, 2, 4000000), 0);
+    EXPECT_EQ(tree.demes().demes(), 0);
+    EXPECT_EQ(tree.build_tree_struct_pop(samples_of(4, 2, {}), 0.2, 2000000000), 0);
+}
+
 TEST(TwoLevelIslands, MigrantsOfAnotherGroupEnterItsFirstDeme) {
     test::seed(-4);
     TTree tree;
@@ -423,6 +433,36 @@ TEST(SimulatedLocus, SingleSitesAreMarkedAsTheRecursionMarksThem) {
     }
 }
 
+TEST(SimulatedLocus, CountersOfAnotherNumberOfSitesWarnAndPlaceNothing) {
+    test::FreshProcess fresh;
+    static std::vector<std::string> reports;
+    reports.clear();
+    Errors::ErrorProc = [](ErrorType type, my_string const& where, int code) {
+        reports.push_back(std::to_string(static_cast<int>(type)) + " " + where.str() + " " + std::to_string(code));
+    };
+    LocusSimulator simulator(samples_of(2, 3));
+    IslandModel model;
+    model.Fst = 0.2;
+    model.demes = 5;
+    ASSERT_EQ(simulator.build_tree(model), 1);
+    ASSERT_TRUE(TTree::prepare_hits(4));
+    RandomState const before = random_state;
+    for (Mut_Type const type : {MUT_NUCLEOTIDES, MUT_STEPWISE}) {
+        LocusMutation mutation;
+        mutation.type = type;
+        mutation.theta = 5.0;
+        EXPECT_EQ(simulator.sprinkle_mutations(mutation), 0);
+        EXPECT_EQ(simulator.mutations(), 0);
+        for (int const state : simulator.states()) EXPECT_EQ(state, 0);
+    }
+    EXPECT_EQ(random_state.ran3.ma, before.ran3.ma);
+    std::string const report =
+        std::to_string(static_cast<int>(ErrorType::Warning)) + " Samples::sprinkle_mutations() 177";
+    EXPECT_EQ(reports, (std::vector<std::string>{report, report}));
+    ASSERT_TRUE(simulator.simulateSample(model, {}));  // the next tree sizes them anew
+    EXPECT_EQ(reports.size(), 2u);
+}
+
 TEST(SimulatedLocus, MutationsFallAtTheirRate) {
     test::seed(-8);
     LocusSimulator simulator(samples_of(2, 2));
@@ -454,6 +494,31 @@ TEST(Demes, SlotOfARateNeedsTwoLineages) {
     EXPECT_EQ(demes.slot_of_rate(3.0), 1);
     EXPECT_EQ(demes.slot_of_rate(3.0000001), 2);
     EXPECT_EQ(demes.slot_of_rate(4.0), 2);
+}
+
+TEST(Demes, PlacesFollowTheOccupiedDemesInTheirOrder) {
+    DemeLineages demes;
+    demes.create(12, 12);
+    std::vector<int> const counts{3, 1, 2, 4, 1, 1, 5, 2, 1, 3, 2};
+    int first = 0;
+    for (int i = 0; i < 11; ++i) {
+        demes.settle(11 - i, first, counts[static_cast<std::size_t>(i)]);
+        first += counts[static_cast<std::size_t>(i)];
+    }
+    for (int moved = 0; moved < 60; ++moved) {
+        int j = 0;
+        for (int slot = 0; slot < demes.occupied(); ++slot) {
+            for (int k = 0; k < demes.count(demes.deme_at(slot)); ++k, ++j) {
+                DemeLineages::Place const place = demes.place_of(j);
+                EXPECT_EQ(place.slot, slot);
+                EXPECT_EQ(place.position, k);
+            }
+        }
+        EXPECT_EQ(j, 25);
+        DemeLineages::Place const from = demes.place_of(7 * moved % 25);
+        int const source = demes.deme_at(from.slot);
+        demes.move(from, (source + 1 + moved % 11) % 12);  // demes empty and fill
+    }
 }
 
 TEST(Demes, CleaningKeepsTheirShape) {

@@ -193,7 +193,54 @@ TEST(NullDistribution, MeanFstOfAHundredDemesIsTheTarget) {
     EXPECT_LT(fst.error(), 0.005);
 }
 
-TEST(NullDistribution, MeanFctAndFscOfTwoLevelsAreNearTheirTargets) {
+/// Mean times of a pair's common ancestor in g groups of s demes, migrants between groups entering the first deme of
+/// their group; samples sit in random demes.
+struct PairTimes {
+    double own = 0.0;    ///< both in one deme
+    double group = 0.0;  ///< in two demes of a group
+    double apart = 0.0;  ///< in two groups
+};
+
+PairTimes expected_times(double fst, double fct, int s, int g) {
+    // Places of a pair: in one deme, the first (0) or another (1); in two demes of a group, one of them the first (2) or
+    // none (3); in two groups, both in first demes (4), one (5) or none (6).
+    constexpr int places = 7;
+    MigrationRates const rates = two_level_island_rates(fst, fct, s, g);
+    double const within = rates.within * deme_size, between = rates.between * deme_size;
+    double const w = within / (s - 1), b = between / (g - 1);  // to one deme, to one group
+    double const to[places][places] = {
+        {0, 0, 2 * within, 0, 2 * between, 0, 0},
+        {0, 0, 2 * w, 2 * w * (s - 2), 0, 2 * between, 0},
+        {w, w, 0, w * (s - 2), between, between, 0},
+        {0, 2 * w, 2 * w, 0, 0, 2 * between, 0},
+        {2 * b, 0, 0, 0, 0, 2 * within, 0},
+        {b, 0, b, 0, w + b * (g - 2), 0, within},
+        {0, 0, 2 * b, 0, 0, 2 * w + 2 * b * (g - 2), 0},
+    };
+    double a[places][places + 1];
+    for (int i = 0; i < places; ++i) {
+        double out = i < 2 ? 1.0 : 0.0;  // meeting
+        for (int k = 0; k < places; ++k) {
+            a[i][k] = -to[i][k];
+            out += to[i][k];
+        }
+        a[i][i] = out;
+        a[i][places] = 1.0;
+    }
+    for (int c = 0; c < places; ++c) {  // diagonally dominant: no pivots needed
+        for (int r = 0; r < places; ++r) {
+            if (r == c) continue;
+            double const f = a[r][c] / a[c][c];
+            for (int k = 0; k <= places; ++k) a[r][k] -= f * a[c][k];
+        }
+    }
+    auto const T = [&](int i) { return a[i][places] / a[i][i]; };
+    double const first = 1.0 / s, other = 1.0 - first;
+    return {first * T(0) + other * T(1), 2.0 * first * T(2) + (1.0 - 2.0 * first) * T(3),
+            first * first * T(4) + 2.0 * first * other * T(5) + other * other * T(6)};
+}
+
+TEST(NullDistribution, MeanFctAndFscOfTwoLevelsAreThoseOfTheirCoalescenceTimes) {
     SelectionProject source(project_text("STANDARD", 12, 16, 4, false), false, true);
     NullLoci loci(source.view, source.tested);
     double const fsc = 0.10, fct = 0.25;
@@ -208,47 +255,130 @@ TEST(NullDistribution, MeanFctAndFscOfTwoLevelsAreNearTheirTargets) {
         ratio_fct.add(locus.FCT * total, total);
         ratio_fsc.add(locus.FSC * (1.0 - locus.FCT) * total, (1.0 - locus.FCT) * total);
     }
-    EXPECT_NEAR(ratio_fct.value(), fct, 4.0 * ratio_fct.error() + 0.005);
-    EXPECT_NEAR(ratio_fsc.value(), fsc, 4.0 * ratio_fsc.error() + 0.005);
+    PairTimes const times = expected_times(plan.model.Fst, fct, 100, 10);
+    double const expected_fct = 1.0 - times.group / times.apart;
+    double const expected_fsc = 1.0 - times.own / times.group;
+    EXPECT_NEAR(expected_fct, fct, 0.001);  // the targets hold but for the migrants' first deme
+    EXPECT_NEAR(expected_fsc, fsc, 0.001);
+    EXPECT_NEAR(ratio_fct.value(), expected_fct, 4.0 * ratio_fct.error());
+    EXPECT_NEAR(ratio_fsc.value(), expected_fsc, 4.0 * ratio_fsc.error());
+    EXPECT_LT(ratio_fct.error(), 0.02);
+    EXPECT_LT(ratio_fsc.error(), 0.02);
 }
 
-TEST(NullDistribution, NeutralLociHaveUniformTailsAndAPlantedOneIsFound) {
-    SelectionProject source(project_text("STANDARD", 10, 40, 10, false));
-    NullLoci loci(source.view, source.tested);
-    SimulationPlan plan = plan_of(0.1, 0.0, false, 100);
-    plan.het_high = 1.0;
-    SimulatedLoci null;
-    auto const simulate = [&](SimulatedLoci& into) {
-        ASSERT_TRUE(loci.simulate(plan));
-        LocusFixation const locus = loci.statistics();
-        double const het = locus.FST == 0.0 ? 0.0 : het_between_populations(locus.mean_heterozygosity, locus.FST);
-        into.add(het, locus.FST, locus.FCT, loci.mutations());
+/// A model with its loci and their P-values.
+struct NeutralCase {
+    char const* type;
+    bool genotypic;
+    bool groups;
+    double fst;
+    double fct;
+    double least_derived;
+};
+
+class NeutralLociOf : public ::testing::TestWithParam<NeutralCase> {
+protected:
+    /// P-values of loci of the same model, and of loci that don't belong to it.
+    struct Null {
+        SimulatedLoci loci;
+        [[nodiscard]] double p(double statistic, double het, std::vector<double> const& null) const {
+            SelectionKernel const kernel;
+            return calcFSTpvalue(statistic, loci.het, null, kernel.h_stat, het, kernel.h_het, kernel.grid_points);
+        }
     };
-    for (int i = 0; i < 6000; ++i) simulate(null);
-    SimulatedLoci neutral;
-    while (neutral.het.size() < 500) {
-        simulate(neutral);
-        if (neutral.het.back() > 0.0) continue;
-        neutral.het.pop_back();
-        neutral.FST.pop_back();
+
+    static void simulate(NullLoci& source, SimulationPlan const& plan, SimulatedLoci& into) {
+        ASSERT_TRUE(source.simulate(plan));
+        SimulatedLocus const locus = simulated_locus(source.statistics());
+        into.add(locus.het_between, locus.FST, locus.FCT, source.mutations());
     }
-    SelectionKernel const kernel;
-    auto const p_value = [&](double fst, double het) {
-        return calcFSTpvalue(fst, null.het, null.FST, kernel.h_stat, het, kernel.h_het, kernel.grid_points);
-    };
-    int below_25 = 0, below_50 = 0;
-    for (std::size_t i = 0; i < 500; ++i) {
-        double const p = p_value(neutral.FST[i], neutral.het[i]);
+
+    /// Bounds around 0.05 and 0.1, which the two tails of an exact test give; the smoothed test is close to them.
+    static void expect_shares(int below_25, int below_50) {
+        EXPECT_GE(below_25, 0.03 * neutral_loci);
+        EXPECT_LE(below_25, 0.08 * neutral_loci);
+        EXPECT_GE(below_50, 0.07 * neutral_loci);
+        EXPECT_LE(below_50, 0.15 * neutral_loci);
+    }
+    static constexpr int neutral_loci = 1000;
+};
+
+TEST_P(NeutralLociOf, HaveUniformTailsAndAPlantedOneIsFound) {
+    NeutralCase const c = GetParam();
+    SelectionProject source(project_text(c.type, c.groups ? 12 : 10, 40, c.groups ? 4 : 10, c.genotypic), c.genotypic,
+                            c.groups);
+    source.analysed.set.MinDafFreq = c.least_derived;
+    NullLoci loci(source.view, source.tested);
+    SimulationPlan plan = plan_of(c.fst, c.fct, c.groups, c.groups ? 20 : 100, 10);
+    plan.het_high = has_state_characters(loci.type()) ? 0.5 : 1.0;
+    Null null;
+    for (int i = 0; i < 4000; ++i) simulate(loci, plan, null.loci);
+    int tested = 0, below_25 = 0, below_50 = 0, fct_below_25 = 0, fct_below_50 = 0;
+    while (tested < neutral_loci) {
+        SimulatedLoci locus;
+        simulate(loci, plan, locus);
+        double const het = locus.het[0];
+        if (het == 0.0) continue;
+        ++tested;
+        double const p = null.p(locus.FST[0], het, null.loci.FST);
         EXPECT_LE(p, 0.5 + 1e-3);
         below_25 += p < 0.025;
         below_50 += p < 0.05;
+        if (!c.groups) continue;
+        double const p_fct = null.p(locus.FCT[0], het, null.loci.FCT);
+        fct_below_25 += p_fct < 0.025;
+        fct_below_50 += p_fct < 0.05;
     }
-    EXPECT_GE(below_25, 15);
-    EXPECT_LE(below_25, 40);
-    EXPECT_GE(below_50, 35);
-    EXPECT_LE(below_50, 75);
-    EXPECT_LT(p_value(0.5, 0.6), 0.001);
-    EXPECT_LT(p_value(0.001, 0.9), 0.01);
+    expect_shares(below_25, below_50);
+    if (c.groups) expect_shares(fct_below_25, fct_below_50);
+    EXPECT_LT(null.p(0.9, 0.45, null.loci.FST), 0.001);
+}
+
+INSTANTIATE_TEST_SUITE_P(DataTypes, NeutralLociOf,
+                         ::testing::Values(NeutralCase{"STANDARD", false, false, 0.15, 0.0, 0.0},
+                                           NeutralCase{"STANDARD", true, false, 0.15, 0.0, 0.0},
+                                           NeutralCase{"MICROSAT", false, false, 0.1, 0.0, 0.0},
+                                           NeutralCase{"DNA", false, false, 0.1, 0.0, 0.0},
+                                           NeutralCase{"DNA", true, false, 0.1, 0.0, 0.05},
+                                           NeutralCase{"RFLP", false, false, 0.2, 0.0, 0.1},
+                                           NeutralCase{"STANDARD", false, true, 0.19, 0.1, 0.0},
+                                           NeutralCase{"DNA", false, true, 0.19, 0.1, 0.05}));
+
+// The tail below 0 is empty: a derived allele that one sample carries once differentiates nothing, and is no locus of
+// the null distribution.
+TEST(SimulatedLocusValues, OfASingleDerivedCopyAreZeroForEverySampleSize) {
+    for (int copies = 2; copies < 90; ++copies) {
+        for (int samples = 2; samples < 6; ++samples) {
+            auto const n = static_cast<std::size_t>(samples);
+            StructureSizes const sizes(std::vector<double>(n, copies), {samples});
+            LocusFixationWalk walk(sizes, FixationUnit::haplotypes, StateDistance::equality);
+            std::vector<int> states(n * static_cast<std::size_t>(copies), 0);
+            states.back() = 1;
+            LocusFixation const raw = walk.compute(states);
+            EXPECT_NEAR(raw.FST, 0.0, 1e-13);
+            EXPECT_GT(raw.mean_heterozygosity, 0.0);
+            SimulatedLocus const locus = simulated_locus(raw);
+            EXPECT_EQ(locus.FST, 0.0);
+            EXPECT_EQ(locus.het_between, 0.0);
+            EXPECT_EQ(locus.H, 0.0);
+        }
+    }
+}
+
+TEST(SimulatedLocusValues, KeepWhatIsNoRounding) {
+    LocusFixation raw;
+    raw.FST = 0.2, raw.FSC = -1e-17, raw.FCT = -0.01, raw.mean_heterozygosity = 0.4;
+    SimulatedLocus const locus = simulated_locus(raw);
+    EXPECT_EQ(locus.FST, 0.2);
+    EXPECT_EQ(locus.FSC, 0.0);
+    EXPECT_EQ(locus.FCT, -0.01);
+    EXPECT_EQ(locus.H, 0.4);
+    EXPECT_EQ(locus.het_between, 0.4 / (1.0 - 0.2));
+    raw.FST = 1.0, raw.mean_heterozygosity = 0.0;
+    EXPECT_EQ(simulated_locus(raw).het_between, 1.0);
+    EXPECT_EQ(without_rounding(-9e-13), 0.0);
+    EXPECT_EQ(without_rounding(2e-12), 2e-12);
+    EXPECT_EQ(without_rounding(unusable_locus), unusable_locus);
 }
 
 TEST(Targets, AreMeansWeightedByTheHeterozygosityBetweenPopulations) {
@@ -417,20 +547,14 @@ TEST(Detection, RunToItsEndRestoresAll) {
     EXPECT_TRUE(detection.scratch.has("fdist2_ObsOut.txt"));
 }
 
-class SimulationFiles : public ::testing::Test {
-protected:
-    test::ScratchDirectory scratch;
-    [[nodiscard]] std::string write(std::string const& text) const {
-        std::string const path = "sims.txt";
-        std::ofstream(path, std::ios::binary) << text;
-        return path;
-    }
-};
+bool read_loci(std::string const& text, bool several_groups, SimulatedLoci& loci) {
+    std::istringstream in(text);
+    return read_simulated_loci(in, several_groups, loci);
+}
 
-TEST_F(SimulationFiles, OfOneGroupGiveFirstAndThirdColumn) {
+TEST(SimulationFiles, OfOneGroupGiveFirstAndThirdColumn) {
     SimulatedLoci loci;
-    EXPECT_TRUE(
-        read_simulated_loci(write("head\n0.1\tNA\t0.3\t0.27\t4\n0.2\t0.5\t0.6\r\nx\t1\t2\n0.3\t1\n"), false, loci));
+    EXPECT_TRUE(read_loci("head\n0.1\tNA\t0.3\t0.27\t4\n0.2\t0.5\t0.6\r\nx\t1\t2\n0.3\t1\n", false, loci));
     EXPECT_EQ(loci.FST, (std::vector<double>{0.1, 0.2}));
     EXPECT_EQ(loci.het, (std::vector<double>{0.3, 0.6}));
     EXPECT_EQ(loci.mutations, (std::vector<int>{4, 0}));
@@ -438,20 +562,86 @@ TEST_F(SimulationFiles, OfOneGroupGiveFirstAndThirdColumn) {
     EXPECT_EQ(loci.highest, 0.6);
 }
 
-TEST_F(SimulationFiles, OfSeveralGroupsHaveSevenColumns) {
+TEST(SimulationFiles, OfSeveralGroupsHaveSevenColumns) {
     SimulatedLoci loci;
-    EXPECT_TRUE(read_simulated_loci(write("head\n0.1\t0.06\t0.05\tNA\t0.3\t0.27\t4\n0.2\t0.5\t0.6\n"), true, loci));
+    EXPECT_TRUE(read_loci("head\n0.1\t0.06\t0.05\tNA\t0.3\t0.27\t4\n0.2\t0.5\t0.6\n", true, loci));
     EXPECT_EQ(loci.FST, (std::vector<double>{0.1}));
     EXPECT_EQ(loci.FCT, (std::vector<double>{0.05}));
     EXPECT_EQ(loci.het, (std::vector<double>{0.3}));
     EXPECT_EQ(loci.mutations, (std::vector<int>{4}));
 }
 
-TEST_F(SimulationFiles, WithoutLinesOrMissingGiveNothing) {
+TEST(SimulationFiles, WithoutLinesOrMissingGiveNothing) {
     SimulatedLoci loci;
-    EXPECT_FALSE(read_simulated_loci(write("head\n"), false, loci));
-    EXPECT_FALSE(read_simulated_loci("no such file", false, loci));
+    EXPECT_FALSE(read_loci("head\n", false, loci));
+    EXPECT_FALSE(read_loci("", false, loci));
+    std::ifstream nowhere("no such file");
+    EXPECT_FALSE(read_simulated_loci(nowhere, false, loci));
     EXPECT_TRUE(loci.het.empty());
+}
+
+TEST(SimulationFiles, LinesThatAreCutOrNoFiniteNumbersArePassedOver) {
+    SimulatedLoci loci;
+    EXPECT_TRUE(read_loci("h\nnan\t0\t0.1\n0.1\t0\tinf\n0.1\t0\t1e999\n0.1 0 0.2\n\n\t\t\n0.1\t0\t0.25\n0.2\t0\t0.",
+                          false, loci));
+    EXPECT_EQ(loci.het, (std::vector<double>{0.25, 0.0}));  // the last number was cut after its point
+}
+
+struct Parameters {
+    explicit Parameters(std::string const& text, bool two_levels = true) {
+        plan.simulations = 77;
+        plan.model.two_levels = two_levels;
+        plan.model.groups = two_levels ? 10 : 1;
+        plan.model.demes = 100;
+        std::istringstream in(text);
+        read_simulation_parameters(in, plan, targets);
+    }
+    SimulationPlan plan;
+    FixationTargets targets{0.1, 0.06, 0.05};
+};
+
+TEST(SimulationParameters, StandOnEverySecondLineFromTheThirdOn) {
+    Parameters const p("title\nfiles\n2\nloci\n30\ngroups\n5\ndemes\n40\nFSC\n0.2\nFCT\n0.1\nmore\n9\n");
+    EXPECT_TRUE(p.plan.makes_files);
+    EXPECT_EQ(p.plan.files, 2);
+    EXPECT_EQ(p.plan.simulations, 30);
+    EXPECT_EQ(p.plan.model.groups, 5);  // fewer than the settings have
+    EXPECT_EQ(p.plan.model.demes, 40);
+    EXPECT_EQ(p.targets.FSC, 0.2);
+    EXPECT_EQ(p.targets.FCT, 0.1);
+    EXPECT_NEAR(p.targets.FST, 1.0 - 0.8 * 0.9, 1e-15);
+}
+
+TEST(SimulationParameters, AreTheFirstWordsOfTheirLines) {
+    Parameters const p("t\nf\n 3 files\r\nl\n\t12\tloci\ng\n4# groups\nd\n20 demes\nFSC\n 1e-1 \nFCT\n0\n");
+    EXPECT_EQ(p.plan.files, 3);
+    EXPECT_EQ(p.plan.simulations, 12);
+    EXPECT_EQ(p.plan.model.groups, 10);  // no number
+    EXPECT_EQ(p.plan.model.demes, 20);
+    EXPECT_EQ(p.targets.FSC, 0.1);
+    EXPECT_EQ(p.targets.FCT, 0.0);
+}
+
+TEST(SimulationParameters, ThatAreMissingStayAsTheyWere) {
+    for (char const* const text : {"", "title", "t\nf\n", "t\nf\nnone\nl\n0\ng\n\nd\nnan\nFSC\ninf\n"}) {
+        Parameters const p(text);
+        EXPECT_TRUE(p.plan.makes_files);
+        EXPECT_EQ(p.plan.files, 1);
+        EXPECT_EQ(p.plan.simulations, 77);
+        EXPECT_EQ(p.plan.model.groups, 10);
+        EXPECT_EQ(p.plan.model.demes, 100);
+        EXPECT_NEAR(p.targets.FST, 1.0 - 0.94 * 0.95, 1e-15);
+    }
+}
+
+TEST(SimulationParameters, OutOfRangeCountAsZero) {
+    Parameters const p("t\nf\n-4\nl\n-3\ng\n1e300\nd\n99999999999\nFSC\n0\nFCT\n0\n");
+    EXPECT_EQ(p.plan.files, 0);
+    EXPECT_EQ(p.plan.simulations, 77);
+    EXPECT_EQ(p.plan.model.groups, 0);
+    EXPECT_EQ(p.plan.model.demes, 0);
+    Parameters const flat("t\nf\n1\nl\n1\ng\n5\n", false);
+    EXPECT_EQ(flat.plan.model.groups, 1);
 }
 
 TEST(FixationWalk, TooFewCopiesOrOneAlleleGiveZeros) {
