@@ -127,7 +127,11 @@ private:
     void open_result_document(RunFrame& frame);
     void begin_document(RunFrame& frame);
     void name_run_files();
-    void print_frame_pages() const;
+    /// The frameset and the page of the link tree, whether or not there were some.
+    void New_print_html_frames_output(bool existed) const;
+    void New_print_html_results_header(bool xml);
+    /// The foot of a document is the same whether or not the file existed.
+    void New_print_html_results_footer(bool existed, bool xml);
     void print_run_banner(RunFrame& frame);
     bool read_project();
     void prepare_data();

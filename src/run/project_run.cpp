@@ -174,7 +174,7 @@ void Project::name_run_files() {
     settings_->graphics_dir = settings_->project_dir + "Graphics/";
 }
 
-void Project::print_frame_pages() const {
+void Project::New_print_html_frames_output(bool /*existed*/) const {
     PageNames names;
     names.project = file_name_of(settings::input_file);
     names.tree_page = file_name_of(settings_->tree_page);
@@ -193,7 +193,7 @@ void Project::begin_document(RunFrame& frame) {
     frame.start_time = local_time_text(time_format);
     TXmlTag::time = frame.start_time;
     name_run_files();
-    print_frame_pages();
+    New_print_html_frames_output(false);
     bool const script_goes_on = settings_->keepProjectResults && file_opens(settings_->tree_script);
     std::ifstream script(script_goes_on ? settings_->tree_script : std::string());
     settings_->set_run_id(new_run_id(script, without_blanks(frame.start_time)));
@@ -204,8 +204,14 @@ void Project::begin_document(RunFrame& frame) {
     if (document_goes_on)
         print_results_continuation(frame.document, xmlOutput);
     else
-        print_results_header(frame.document, xmlOutput, settings_->working_directory);
+        New_print_html_results_header(xmlOutput);
 }
+
+void Project::New_print_html_results_header(bool xml) {
+    print_results_header(document(), xml, settings_->working_directory);
+}
+
+void Project::New_print_html_results_footer(bool /*existed*/, bool xml) { print_results_footer(document(), xml); }
 
 void Project::print_run_banner(RunFrame& frame) {
     std::ostream& out = frame.document;
@@ -239,7 +245,7 @@ bool Project::read_project() {
 
 int Project::abandon_run(RunFrame& frame) {
     clean();
-    print_results_footer(frame.document, xmlOutput);
+    New_print_html_results_footer(frame.document_existed, xmlOutput);
     frame.document.close();
     frame.cleaned.rm_clean_files();
     return 0;
@@ -412,7 +418,7 @@ void Project::end_run(RunFrame& frame) {
         *out << slashes;
     }
     *_AOS_ << std::endl;
-    print_results_footer(frame.document, xmlOutput);
+    New_print_html_results_footer(frame.document_existed, xmlOutput);
     frame.document.close();
 }
 
