@@ -7,6 +7,7 @@
 
 #include "demography/spatialexp.h"
 #include "input/settings.h"
+#include "output/table_columns.h"
 #include "run/errors.h"
 #include "simulation/genealgy.h"
 
@@ -18,8 +19,7 @@ namespace {
 void begin_estimates_table() {
     std::ofstream table("glob_res.xl", std::ios::app);
     if (table && table.tellp() == std::streampos(0)) {
-        table << "Data file\tTau\tC.I. Tau\tTheta1\tC.I. Theta1\tTheta0\tC.I. Theta0\tP-value\tSignif. 5%\tTau (R-H)"
-              << "\tTheta1 (R-H)\tTheta0 (R-H)\n";
+        table << head_of(table_text("glob_res.xl"));
     }
 }
 

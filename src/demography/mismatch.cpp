@@ -68,9 +68,11 @@ void PopGenetics::est_spatial_mis(settings* s, std::ostream& out) {
     int const parameters = s->MismatchSpatialExpNumParams;
     if (parameters == 4 || parameters == 2) {
         mismatchSpatialExpansion(*this, *s, ExpansionModel::spatial_4p).solve_least_square(out);
+        spatial_two_sizes_fit_ = spatial_fit_;
     }
     if (parameters == 3 || parameters == 2) {
         mismatchSpatialExpansion(*this, *s, ExpansionModel::spatial_3p).solve_least_square(out);
+        spatial_one_size_fit_ = spatial_fit_;
     }
 }
 

@@ -1,4 +1,5 @@
 // Mismatch distribution of a sample, with the parameters of expansions.
+#include <initializer_list>
 #include <ostream>
 
 #include "diversity/blocks.h"
@@ -25,46 +26,45 @@ void print_distance(SampleRun& run) {
             << gamma_note{run.set.MismatchGammaAValue} << "\n\n";
 }
 
-/// The beginning of the rows of the batch tables: names and distance.
-void begin_table_rows(SampleRun& run) {
-    for (BatchStream const* const table : {&ofs_mismatch, &ofs_mismatch_sp3, &ofs_mismatch_sp4}) {
-        if (*table) {
-            begin_batch_row(*table, settings::input_file, run.name());
-            **table << short_distance_title(run.pop.profile.DataType, run.set.MismatchDistanceMethod) << '\t'
-                    << run.set.MismatchGammaAValue << '\t';
-        }
-    }
-}
-
-/// Observed counts from class 0 to the largest one, separated by tabs.
-void write_distribution(std::ostream& table, PopGenetics const& pop) {
+/// Observed counts from class 0 to the largest one.
+void append_distribution(TabRow& row, PopGenetics const& pop) {
     for (int c = 0; c <= pop.max_mismatch(); ++c) {
-        table << (c > 0 ? "\t" : "") << pop.mismatch_[static_cast<std::size_t>(c)];
+        row << pop.mismatch_[static_cast<std::size_t>(c)];
     }
 }
 
-/// The raw distribution, or the number of pairs when there is none, and the end of the rows.
-void end_table_rows(SampleRun& run) {
+/// A row that begins with names, distance and the estimates of one model.
+TabRow table_row(SampleRun const& run, BatchStream const& table, std::initializer_list<double> estimates) {
+    TabRow row = batch_row(table, settings::input_file, run.name());
+    row << short_distance_title(run.pop.profile.DataType, run.set.MismatchDistanceMethod)
+        << run.set.MismatchGammaAValue;
+    for (double const estimate : estimates) {
+        row << estimate;
+    }
+    return row;
+}
+
+/// The rows of the batch tables: estimates, and the raw distribution, or the number of pairs when there is none.
+void write_table_rows(SampleRun const& run) {
     PopGenetics const& pop = run.pop;
+    ExpansionFit const& sudden = pop.demographic_fit_;
+    ExpansionFit const& one = pop.spatial_one_size_fit_;
+    ExpansionFit const& two = pop.spatial_two_sizes_fit_;
     bool const exists = pop.max_mismatch() > 0 && pop.mismatch_.size() > static_cast<std::size_t>(pop.max_mismatch());
-    for (BatchStream const* const table : {&ofs_mismatch, &ofs_mismatch_sp3}) {
-        if (*table) {
-            long long const n = run.copies();
-            if (exists) {
-                write_distribution(**table, pop);
-            } else {
-                **table << n * (n - 1) / 2;
-            }
+    auto const append_counts = [&](TabRow row) {
+        long long const n = run.copies();
+        if (exists) {
+            append_distribution(row, pop);
+        } else {
+            row << n * (n - 1) / 2;
         }
-    }
-    for (BatchStream const* const table : {&ofs_mismatch, &ofs_mismatch_sp3, &ofs_mismatch_sp4}) {
-        if (*table) {
-            **table << '\n';
-        }
-    }
+    };
+    append_counts(table_row(run, ofs_mismatch, {sudden.tau.value, sudden.theta0.value, sudden.theta1.value}));
+    append_counts(table_row(run, ofs_mismatch_sp3, {one.tau.value, one.theta1.value, one.m.value}));
+    table_row(run, ofs_mismatch_sp4, {two.tau.value, two.theta0.value, two.theta1.value, two.m.value});
     if (ofs_only_mismatch && exists) {
-        write_distribution(*ofs_only_mismatch, pop);
-        *ofs_only_mismatch << '\n';
+        TabRow row(ofs_only_mismatch.get(), {.flush = true});
+        append_distribution(row, pop);
     }
 }
 
@@ -110,7 +110,6 @@ void mismatch_block(SampleRun& run) {
     }
     run.pop.compute_mm_distr(run.out, run.set);
     print_distance(run);
-    begin_table_rows(run);
     bool const estimates = run.words.type == DNA || run.words.type == RFLP;
     if (estimates && run.set.MismatchDemogExp) {
         estimate(run, "Parameters estimated under the sudden expansion model:", &PopGenetics::est_demog_mis);
@@ -118,7 +117,7 @@ void mismatch_block(SampleRun& run) {
     if (estimates && run.set.MismatchSpatialExp) {
         estimate(run, "Parameters estimated under the spatial expansion model:", &PopGenetics::est_spatial_mis);
     }
-    end_table_rows(run);
+    write_table_rows(run);
     run.console << "\tdone ! (" << run.milliseconds() << " ms)\n";
 }
 

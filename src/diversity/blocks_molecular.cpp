@@ -34,12 +34,12 @@ void print_diversity(SampleRun& run) {
 }
 
 /// The estimators that need a sample with equal gene copies: Theta(Hom) and Theta(k).
-void estimate_from_alleles(SampleRun& run) {
+void estimate_from_alleles(SampleRun& run, TabRow& table_row) {
     PopGenetics& pop = run.pop;
     settings const& set = run.set;
     if ((set.ComputeTheta & theta_bit::hom) != 0) {
         pop.calc_theta_Hom();
-        print_theta(run, "Hom", pop.theta_hom_, pop.sd_theta_hom_);
+        print_theta(run, table_row, "Hom", pop.theta_hom_, pop.sd_theta_hom_);
     }
     if (run.words.type == MICROSAT || (set.ComputeTheta & theta_bit::k) == 0 || !run.haplotypes_known()) {
         return;
@@ -54,13 +54,13 @@ void estimate_from_alleles(SampleRun& run) {
     int const distinct = pop.nb_haplotypes();
     pop.theta_k(run.copies(), distinct, 0.05);
     bool const limits = distinct < 1000 && pop.nb_genes() < 5000.0;
-    print_theta_k(run, limits);
+    print_theta_k(run, table_row, limits);
     if (!limits) {
         run.console << "\t\t\tToo many aleles or gene copies in sample to compute Theta(k)\n";
     }
 }
 
-void estimate_from_sites(SampleRun& run) {
+void estimate_from_sites(SampleRun& run, TabRow& table_row) {
     PopGenetics& pop = run.pop;
     int const wanted = run.set.ComputeTheta;
     if (run.words.type == STANDARD) {
@@ -69,11 +69,11 @@ void estimate_from_sites(SampleRun& run) {
     }
     if ((wanted & theta_bit::S) != 0) {
         pop.theta_S(run.copies(), pop.segregating_sites());
-        print_theta(run, "S", pop.theta_S_, pop.sd_theta_S_);
+        print_theta(run, table_row, "S", pop.theta_S_, pop.sd_theta_S_);
     }
     if ((wanted & theta_bit::pi) != 0) {
         pop.theta_pi(pop.pi());
-        print_theta(run, "Pi", pop.theta_pi_, pop.sd_theta_pi_);
+        print_theta(run, table_row, "Pi", pop.theta_pi_, pop.sd_theta_pi_);
     }
 }
 
@@ -81,32 +81,45 @@ void estimate_thetas(SampleRun& run) {
     if (run.set.ComputeTheta == 0) {
         return;
     }
-    begin_theta_row(run);
+    run.out << '\n';
+    TabRow table_row = batch_row(ofs_theta, settings::input_file, run.name());
     if (run.words.type == MICROSAT) {
         print_theta_refusals(run);
     }
     if (run.pop.nb_genes() != run.pop.nb_haplotypes()) {
-        estimate_from_alleles(run);
+        estimate_from_alleles(run, table_row);
     } else {
         print_distinct_copies(run);
     }
     if (run.words.type != MICROSAT) {
-        estimate_from_sites(run);
+        estimate_from_sites(run, table_row);
     }
-    end_theta_row(run);
 }
 
-void print_counts(SampleRun& run) {
-    print_sample_sizes(run);
+void print_counts(SampleRun& run, TabRow& table_row) {
+    print_sample_sizes(run, table_row);
     if (auto* const dna = dynamic_cast<PopulDNA*>(&run.pop)) {
         dna->comp_nucl_freq();
         print_substitution_counts(run, dna->substitution_counts());
-        print_site_numbers(run);
+        print_site_numbers(run, table_row);
         print_composition(run, dna->nucleotide_frequencies());
     } else {
-        print_site_numbers(run);
+        print_site_numbers(run, table_row);
     }
-    print_distance_choice(run);
+    print_distance_choice(run, table_row);
+}
+
+/// The sample's counts and, when `compute` yields a result, its diversity, in the document and in its batch row.
+template <class Compute>
+void print_indices(SampleRun& run, Compute const& compute) {
+    TabRow table_row = batch_row(ofs_mol_div, settings::input_file, run.name());
+    print_counts(run, table_row);
+    if (compute()) {
+        print_diversity(run);
+    }
+    if (!is_frequency_data(run)) {
+        write_diversity_values(run, table_row);
+    }
 }
 
 /// Standard data compute first and print then; all others the other way round.
@@ -121,29 +134,17 @@ void standard_data(SampleRun& run) {
         return;
     }
     print_molecular_heading(run);
-    begin_molecular_row(run);
-    print_counts(run);
-    if (computed) {
-        print_diversity(run);
-        write_diversity_values(run);
-    }
-    end_molecular_row(run);
+    print_indices(run, [computed] { return computed; });
     run.start_clock();
 }
 
 void sequence_data(SampleRun& run) {
     run.start_clock();
     print_molecular_heading(run);
-    begin_molecular_row(run);
     run.choose_distance(run.set.DistanceMethod, run.set.GammaAValue);
     run.ensure_checked();
     run.ensure_evaluated();
-    print_counts(run);
-    if (compute_diversity(run)) {
-        print_diversity(run);
-        write_diversity_values(run);
-    }
-    end_molecular_row(run);
+    print_indices(run, [&run] { return compute_diversity(run); });
 }
 
 }  // namespace

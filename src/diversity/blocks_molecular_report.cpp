@@ -29,14 +29,6 @@ void print_count(SampleRun& run, std::string_view text, long long value) {
     run.out << padded(text) << ": " << value << '\n';
 }
 
-/// Appends values to a batch table, a tab behind each.
-void append(BatchStream const& table, std::initializer_list<double> values) {
-    if (table) {
-        print_batch_values(table, values);
-        *table << '\t';
-    }
-}
-
 /// Literature of the indices that the block prints for this data type and these settings.
 std::vector<std::string_view> references_of(SampleRun const& run) {
     std::vector<std::string_view> tags = {"tajima1983", "tajima1993", "nei1987"};
@@ -106,17 +98,17 @@ void print_molecular_heading(SampleRun& run) {
     run.out << '\n';
 }
 
-void print_sample_sizes(SampleRun& run) {
+void print_sample_sizes(SampleRun& run, TabRow& table_row) {
     settings const& set = run.set;
     int const distinct = run.pop.nb_haplotypes();
     print_count(run, "Sample size", run.copies());
     if (run.haplotypes_known()) {
         print_count(run, "No. of haplotypes", distinct);
     }
-    append(ofs_mol_div, {static_cast<double>(run.copies()), static_cast<double>(distinct)});
+    table_row << run.copies() << distinct;
     if (run.shows_original_number()) {
         print_count(run, "No. of original haplotypes in sample", run.pop.nb_original_haplotypes);
-        append(ofs_mol_div, {static_cast<double>(run.pop.nb_original_haplotypes)});
+        table_row << run.pop.nb_original_haplotypes;
     }
     run.out << '\n';
     if (run.words.type == DNA || run.words.type == RFLP) {
@@ -128,8 +120,7 @@ void print_sample_sizes(SampleRun& run) {
     }
     run.out << padded("Allowed level of missing data") << ": " << num{100.0 * set.AllowedLevelOfMissingData, 0, 2}
             << " %\n\n";
-    append(ofs_mol_div,
-           {set.DeletionWeight, set.TransitionWeight, set.TranversionWeight, set.AllowedLevelOfMissingData});
+    table_row << set.DeletionWeight << set.TransitionWeight << set.TranversionWeight << set.AllowedLevelOfMissingData;
 }
 
 void print_substitution_counts(SampleRun& run, SubstitutionCounts const& c) {
@@ -145,7 +136,7 @@ void print_substitution_counts(SampleRun& run, SubstitutionCounts const& c) {
     run.out << '\n';
 }
 
-void print_site_numbers(SampleRun& run) {
+void print_site_numbers(SampleRun& run, TabRow& table_row) {
     SubstitutionCounts c;
     if (auto const* const dna = dynamic_cast<PopulDNA const*>(&run.pop)) {
         c = dna->substitution_counts();
@@ -163,7 +154,7 @@ void print_site_numbers(SampleRun& run) {
     for (int const n :
          {c.transitions, c.transversions, c.substitutions, c.indels, run.pop.numPolymSites(), c.transition_sites,
           c.transversion_sites, c.substitution_sites, c.indel_sites, run.pop.nb_loci(), run.pop.nb_usable_loci()}) {
-        append(ofs_mol_div, {static_cast<double>(n)});
+        table_row << n;
     }
 }
 
@@ -177,14 +168,10 @@ void print_composition(SampleRun& run, NucleotideFrequencies const& f) {
     line("\n   G :", f.g);
     line("\n   Total :", total);
     run.out << '\n';
-    if (ofs_nuc_comp) {
-        begin_batch_row(ofs_nuc_comp, settings::input_file, run.name());
-        print_batch_values(ofs_nuc_comp, {f.c, f.t, f.a, f.g, total});
-        *ofs_nuc_comp << '\n';
-    }
+    batch_row(ofs_nuc_comp, settings::input_file, run.name()) << f.c << f.t << f.a << f.g << total;
 }
 
-void print_distance_choice(SampleRun& run) {
+void print_distance_choice(SampleRun& run, TabRow& table_row) {
     TDataType const type = run.pop.profile.DataType;
     int const method = run.set.DistanceMethod;
     run.out << '\n' << padded("Distance method") << ": " << distance_title(type, method);
@@ -193,18 +180,16 @@ void print_distance_choice(SampleRun& run) {
         run.out << gamma_note{a};
     }
     run.out << '\n';
-    if (!ofs_mol_div) {
-        return;
-    }
     if (type == FREQUENCY) {
-        *ofs_mol_div << "none\tnone";
+        table_row << "none"
+                  << "none";
         return;
     }
-    *ofs_mol_div << short_distance_title(type, method) << '\t';
+    table_row << short_distance_title(type, method);
     if (run.words.type == DNA && a != 0.0) {
-        *ofs_mol_div << a << '\t';
+        table_row << a;
     } else {
-        *ofs_mol_div << " inf\t";
+        table_row << " inf";
     }
 }
 
@@ -220,23 +205,20 @@ void print_mean_differences(SampleRun& run) {
             << "(Standard deviations are for both the sampling and the stochastic processes)\n";
 }
 
-void begin_theta_row(SampleRun& run) {
-    run.out << '\n';
-    begin_batch_row(ofs_theta, settings::input_file, run.name());
+void write_diversity_values(SampleRun const& run, TabRow& table_row) {
+    PopGenetics const& pop = run.pop;
+    table_row << pop.pi() << pop.sd_pi() << pop.nucleotide_diversity() << pop.sd_nucleotide_diversity();
 }
 
-void print_theta(SampleRun& run, std::string_view estimator, double value, double sd) {
+void print_theta(SampleRun& run, TabRow& table_row, std::string_view estimator, double value, double sd) {
     std::string const name = "Theta(" + std::string(estimator) + ") : ";
     print_estimate(run.out, name, value);
     print_estimate(run.out, "S.D. " + name, sd);
     run.out << '\n';
-    if (ofs_theta) {
-        *ofs_theta << "\t(" << estimator << ")\t";
-        print_batch_values(ofs_theta, {value, sd});
-    }
+    table_row << "(" + std::string(estimator) + ")" << value << sd;
 }
 
-void print_theta_k(SampleRun& run, bool limits) {
+void print_theta_k(SampleRun& run, TabRow& table_row, bool limits) {
     PopGenetics const& pop = run.pop;
     print_estimate(run.out, "Theta(k) : ", pop.theta_k_);
     if (limits) {
@@ -244,13 +226,9 @@ void print_theta_k(SampleRun& run, bool limits) {
                 << num{pop.theta_k_sup_, 0, 6} << " ]\n";
     }
     run.out << '\n';
-    if (ofs_theta) {
-        *ofs_theta << "\t(k)\t";
-        if (limits) {
-            print_batch_values(ofs_theta, {pop.theta_k_, pop.theta_k_inf_, pop.theta_k_sup_});
-        } else {
-            print_batch_values(ofs_theta, {pop.theta_k_});
-        }
+    table_row << "(k)" << pop.theta_k_;
+    if (limits) {
+        table_row << pop.theta_k_inf_ << pop.theta_k_sup_;
     }
 }
 
@@ -290,28 +268,6 @@ void print_theta_refusals(SampleRun& run) {
     }
     if ((wanted & theta_bit::pi) != 0) {
         run.out << "Unable to compute theta(Pi) for standard data type\n";
-    }
-}
-
-void end_theta_row(SampleRun&) {
-    if (ofs_theta) {
-        *ofs_theta << '\n';
-    }
-}
-
-void begin_molecular_row(SampleRun& run) { begin_batch_row(ofs_mol_div, settings::input_file, run.name()); }
-
-void write_diversity_values(SampleRun& run) {
-    PopGenetics const& pop = run.pop;
-    if (ofs_mol_div) {
-        print_batch_values(ofs_mol_div,
-                           {pop.pi(), pop.sd_pi(), pop.nucleotide_diversity(), pop.sd_nucleotide_diversity()});
-    }
-}
-
-void end_molecular_row(SampleRun&) {
-    if (ofs_mol_div) {
-        *ofs_mol_div << '\n';
     }
 }
 

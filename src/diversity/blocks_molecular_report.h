@@ -8,6 +8,7 @@
 namespace tov {
 
 class SampleRun;
+class TabRow;
 struct NucleotideFrequencies;
 struct SubstitutionCounts;
 
@@ -16,30 +17,28 @@ struct SubstitutionCounts;
 [[nodiscard]] std::string_view short_distance_title(TDataType type, int method);
 
 void print_molecular_heading(SampleRun& run);
-/// Numbers of copies and haplotypes, weights, allowed level of missing data.
-void print_sample_sizes(SampleRun& run);
+/// Numbers of copies and haplotypes, weights, allowed level of missing data; appended to the sample's row too.
+void print_sample_sizes(SampleRun& run, TabRow& table_row);
 /// Observed changes and the sites that show them.
 void print_substitution_counts(SampleRun& run, SubstitutionCounts const& counts);
-/// Numbers of sites (loci) and usable sites; for other data than DNA the polymorphic ones too.
-void print_site_numbers(SampleRun& run);
+/// Numbers of sites (loci) and usable sites; for other data than DNA the polymorphic ones too. All counts of changes
+/// and sites are appended to the sample's row.
+void print_site_numbers(SampleRun& run, TabRow& table_row);
 /// Nucleotide composition in percent.
 void print_composition(SampleRun& run, NucleotideFrequencies const& f);
-void print_distance_choice(SampleRun& run);
+/// The distance; appended to the sample's row too.
+void print_distance_choice(SampleRun& run, TabRow& table_row);
 void print_mean_differences(SampleRun& run);
 
-// --- Theta; each also writes its part of the theta table ---
-void begin_theta_row(SampleRun& run);
-void print_theta(SampleRun& run, std::string_view estimator, double value, double sd);
-void print_theta_k(SampleRun& run, bool limits);
+/// Appends the mean differences and the diversity per site to the sample's row; -1 where they were not computed.
+void write_diversity_values(SampleRun const& run, TabRow& table_row);
+
+// --- Theta; each is also appended to the sample's row in the theta table ---
+void print_theta(SampleRun& run, TabRow& table_row, std::string_view estimator, double value, double sd);
+void print_theta_k(SampleRun& run, TabRow& table_row, bool limits);
 /// The estimators that all copies being distinct leaves out.
 void print_distinct_copies(SampleRun& run);
 /// The estimators that the data type leaves out.
 void print_theta_refusals(SampleRun& run);
-void end_theta_row(SampleRun& run);
-
-// --- Row of the table of molecular diversity; the functions above write its first part ---
-void begin_molecular_row(SampleRun& run);
-void write_diversity_values(SampleRun& run);
-void end_molecular_row(SampleRun& run);
 
 }  // namespace tov

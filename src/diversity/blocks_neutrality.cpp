@@ -1,6 +1,5 @@
 // Tajima's and Fu's tests of a sample, with their simulations.
 #include <cmath>
-#include <initializer_list>
 #include <ostream>
 #include <vector>
 
@@ -117,27 +116,10 @@ bool compute_pi(SampleRun& run, SiteWeights const& weights) {
     return true;
 }
 
-void begin_row(SampleRun const& run, BatchStream const& table, std::initializer_list<double> values) {
-    if (table) {
-        begin_batch_row(table, settings::input_file, run.name());
-        print_batch_values(table, values);
-    }
-}
-
-void end_row(BatchStream const& table, std::initializer_list<double> values) {
-    if (table) {
-        if (values.size() > 0) {
-            *table << '\t';
-        }
-        print_batch_values(table, values);
-        *table << '\n';
-    }
-}
-
 // --- Tajima's test ---
 
-/// Replicates of D, stored and printed. @return whether they were run to their end.
-bool simulate_tajima(SampleRun& run, SiteWeights const& weights) {
+/// Replicates of D, stored and printed, also at the end of the batch row. @return whether they were run to their end.
+bool simulate_tajima(SampleRun& run, SiteWeights const& weights, TabRow& row) {
     PopGenetics& pop = run.pop;
     int const replicates = replicates_of(run);
     if (replicates < 1) {
@@ -171,7 +153,7 @@ bool simulate_tajima(SampleRun& run, SiteWeights const& weights) {
     report.p = pop.pTajimaD();
     report_missing_variance(run, no_variance, "PopulRFLP::test_methods#Tajima's test()");
     print_tajima_simulation(run.out, report);
-    end_row(ofs_tajima, {report.p, static_cast<double>(not_positive) / replicates, static_cast<double>(replicates)});
+    row << report.p << static_cast<double>(not_positive) / replicates << replicates;
     return true;
 }
 
@@ -182,8 +164,8 @@ void store_no_fs(PopGenetics& pop) {
     pop.fus_FS_ = 0.0;
 }
 
-/// Replicates of Fs, stored and printed. @return whether they were run to their end.
-bool simulate_fu(SampleRun& run, SiteWeights const& weights) {
+/// Replicates of Fs, stored and printed, also at the end of the batch row. @return whether they were run to their end.
+bool simulate_fu(SampleRun& run, SiteWeights const& weights, TabRow& row) {
     PopGenetics& pop = run.pop;
     int const replicates = replicates_of(run);
     if (replicates < 1) {
@@ -216,25 +198,21 @@ bool simulate_fu(SampleRun& run, SiteWeights const& weights) {
     report.p = pop.pFusFS();
     report_missing_variance(run, no_variance, "PopulRFLP::test_methods#Fu's test()");
     print_fu_simulation(run.out, report);
-    end_row(ofs_fu_fs, {report.p, static_cast<double>(not_positive) / replicates, static_cast<double>(replicates)});
+    row << report.p << static_cast<double>(not_positive) / replicates << replicates;
     return true;
 }
 
-/// The observed Fs, stored and printed. @return whether there is one to compare replicates with.
-bool observed_fu(SampleRun& run, int k, bool checks_definition) {
+/// The observed Fs, stored, printed and appended to the batch row. @return whether there is one to compare replicates
+/// with.
+bool observed_fu(SampleRun& run, int k, bool checks_definition, TabRow& row) {
     PopGenetics& pop = run.pop;
     int const n = run.copies();
-    if (k < 2) {
-        print_fu_single_allele(run.out, n, k);
-        return false;
-    }
     double Fs = 0.0;
     bool const finite = pop.Fu_Fs(pop.thetaPi(), k, Fs, true) != 0;
     pop.fus_FS_ = Fs;
     double const expected = PopGenetics::k_est(pop.thetaPi(), n);
     print_fu_sample(run.out, {checks_definition, pop.nb_original_haplotypes, k, pop.thetaPi(), expected, Fs});
-    begin_row(run, ofs_fu_fs,
-              {static_cast<double>(n), static_cast<double>(k), pop.thetaPi(), expected, Fs});
+    row << n << k << pop.thetaPi() << expected << Fs;
     return finite || Fs != 0.0;  // an infinite Fs can be compared, a missing one can't
 }
 
@@ -265,11 +243,10 @@ void tajima_block(SampleRun& run) {
     pop.theta_S(n, S);
     pop.tajimaD(n, pop.pi(), S);
     print_tajima_sample(run.out, {n, S, pop.pi(), pop.tajimaD()});
-    begin_row(run, ofs_tajima,
-              {static_cast<double>(n), static_cast<double>(S), pop.thetaS(), pop.pi(), pop.tajimaD(), pop.pTajimaD()});
-    if (!simulate_tajima(run, weights)) {
+    TabRow row = batch_row(ofs_tajima, settings::input_file, run.name());
+    row << n << S << pop.thetaS() << pop.pi() << pop.tajimaD() << pop.pTajimaD();
+    if (!simulate_tajima(run, weights, row)) {
         run.out << "\n\n";
-        end_row(ofs_tajima, {});
     }
 }
 
@@ -281,11 +258,11 @@ void fu_block(SampleRun& run) {
     }
     sample_heading(run.out, "Fu's Fs test of selective neutrality", run.name(), fu_heading_length);
     print_references(run.out, {"fu1997"});
-    store_no_fs(pop);
     if (!run.words.refused_data.empty()) {
         run.out << "Fu's Fs test is not possible for " << run.words.refused_data << '\n';
         return;
     }
+    store_no_fs(pop);
     if (run.stopped_at("Testing neutrality: Fu's Fs test ...")) {
         return;
     }
@@ -307,12 +284,13 @@ void fu_block(SampleRun& run) {
         return;
     }
     pop.theta_pi(pop.pi());
-    if (!observed_fu(run, k, checks_definition)) {
-        if (k >= 2) {
-            end_row(ofs_fu_fs, {pop.pFusFS()});
+    if (k < 2) {
+        print_fu_single_allele(run.out, run.copies(), k);
+    } else {
+        TabRow row = batch_row(ofs_fu_fs, settings::input_file, run.name());
+        if (!observed_fu(run, k, checks_definition, row) || !simulate_fu(run, weights, row)) {
+            row << pop.pFusFS();
         }
-    } else if (!simulate_fu(run, weights)) {
-        end_row(ofs_fu_fs, {pop.pFusFS()});
     }
     run.console << "\tdone ! (" << run.milliseconds() << " ms)\n";
 }

@@ -60,19 +60,13 @@ void print_haplotype_level(SampleRun& run) {
 
 void write_table_row(SampleRun& run) {
     PopGenetics const& pop = run.pop;
-    if (!ofs_gen_div) {
-        return;
-    }
-    begin_batch_row(ofs_gen_div, settings::input_file, run.name());
-    print_batch_values(ofs_gen_div, {static_cast<double>(run.copies()), static_cast<double>(pop.nb_haplotypes())});
-    *ofs_gen_div << '\t';
+    TabRow row = batch_row(ofs_gen_div, settings::input_file, run.name());
+    row << run.copies() << pop.nb_haplotypes();
     if (run.shows_original_number()) {
-        *ofs_gen_div << pop.nb_original_haplotypes << '\t';
+        row << pop.nb_original_haplotypes;
     }
-    double const diversity = run.haplotypes_known() ? 1.0 - pop.sample_homozygosity() : -1.0;
-    print_batch_values(ofs_gen_div, {static_cast<double>(pop.nb_loci()), static_cast<double>(pop.nb_usable_loci()),
-                                     static_cast<double>(pop.numPolymSites()), diversity});
-    *ofs_gen_div << '\n';
+    row << pop.nb_loci() << pop.nb_usable_loci() << pop.numPolymSites()
+        << (run.haplotypes_known() ? 1.0 - pop.sample_homozygosity() : -1.0);
 }
 
 }  // namespace

@@ -27,27 +27,17 @@ bool table_serves(int n, int k) {
 }
 
 void write_ewens_row(PopGenetics const& pop, int n, int k, EwensObstacle obstacle) {
-    if (!ofs_ewens_watt) {
-        return;
-    }
-    begin_batch_row(ofs_ewens_watt, settings::input_file, pop.pop_name());
+    TabRow row = batch_row(ofs_ewens_watt, settings::input_file, pop.pop_name());
     if (obstacle != EwensObstacle::none) {
-        *ofs_ewens_watt << ewens_obstacle_row(obstacle);
+        row << ewens_obstacle_row(obstacle);
     } else {
-        print_batch_values(ofs_ewens_watt, {static_cast<double>(n), static_cast<double>(k), pop.obs_F(), pop.exp_F(),
-                                            pop.p_homoz_test(), pop.p_exact_neutr_tst()});
+        row << n << k << pop.obs_F() << pop.exp_F() << pop.p_homoz_test() << pop.p_exact_neutr_tst();
     }
-    *ofs_ewens_watt << '\n';
 }
 
 void write_chakraborty_row(PopGenetics const& pop, ChakrabortyReport const& r) {
-    if (!ofs_chakra) {
-        return;
-    }
-    begin_batch_row(ofs_chakra, settings::input_file, pop.pop_name());
-    print_batch_values(ofs_chakra, {static_cast<double>(r.copies), static_cast<double>(r.alleles), r.homozygosity,
-                                    r.expected_alleles, r.p_exact, r.p_or_more});
-    *ofs_chakra << '\n';
+    batch_row(ofs_chakra, settings::input_file, pop.pop_name())
+        << r.copies << r.alleles << r.homozygosity << r.expected_alleles << r.p_exact << r.p_or_more;
 }
 
 EwensObstacle ewens_obstacle(double n, int k) {

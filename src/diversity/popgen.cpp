@@ -80,7 +80,7 @@ void PopGenetics::initialize() {
     mismatch_bin_width_ = 1;
     mismatch_df_ = 0;
     demographic_fit_ = ExpansionFit{};
-    spatial_fit_ = ExpansionFit{};
+    spatial_fit_ = spatial_one_size_fit_ = spatial_two_sizes_fit_ = ExpansionFit{};
     linkage_ = LinkageSummary{};
 }
 

@@ -362,7 +362,9 @@ public:
     double mismatch_p_chi2_ = -1.0;
     int mismatch_df_ = 0;
     ExpansionFit demographic_fit_;
-    ExpansionFit spatial_fit_;
+    ExpansionFit spatial_fit_;  ///< the last one
+    ExpansionFit spatial_one_size_fit_;
+    ExpansionFit spatial_two_sizes_fit_;
 
 protected:
     // --- Distances ---

@@ -4,6 +4,8 @@
 #include <span>
 #include <string_view>
 
+#include "output/tab_row.h"
+
 namespace tov {
 
 class TPopHaploDB;
@@ -12,12 +14,11 @@ class settings;
 struct HardyWeinbergRow;
 struct LinkedPair;
 
-/// Begins the row of a sample in the table of Hardy-Weinberg tests, when it is open.
-void begin_hw_batch_row(std::string_view sample);
-/// Appends one locus, numbered from 1: individuals, heterozygosities, P-value, its deviation, steps. A locus without a
-/// test has a P-value and a deviation of -1 and no steps.
-void write_hw_batch_locus(int locus, HardyWeinbergRow const& row);
-void end_hw_batch_row();
+/// The row of a sample in the table of Hardy-Weinberg tests.
+[[nodiscard]] TabRow hw_batch_row(std::string_view sample);
+/// Appends one locus to the row of a sample of a sample, numbered from 1: individuals, heterozygosities, P-value, its
+/// deviation, steps. A locus without a test has a P-value and a deviation of -1 and no steps.
+void write_hw_batch_locus(TabRow& table_row, int locus, HardyWeinbergRow const& row);
 
 /// One row of the table of linked pairs, when it is open. Loci are counted from 0, as in the document.
 void write_linkage_batch_row(std::string_view sample, LinkedPair const& pair);

@@ -171,7 +171,7 @@ Level level_of(Population const& sample, settings const& s) {
 }
 
 // One line of the table. @return false when the user stopped the test.
-bool test_locus(Population& sample, std::ostream& out, int locus, long steps, settings& s) {
+bool test_locus(Population& sample, std::ostream& out, int locus, long steps, settings& s, TabRow& table_row) {
     HardyWeinbergRow row;
     double stat = 0.0;
     int loci[] = {1, locus};
@@ -182,13 +182,28 @@ bool test_locus(Population& sample, std::ostream& out, int locus, long steps, se
     if (sample.monomorphic) {
         out << "   This locus is monomorphic: no test done.";
         row.p = row.sd = -1.0;
-        write_hw_batch_locus(locus, row);
+        write_hw_batch_locus(table_row, locus, row);
         return true;
     }
     row.p = s.p_value;
     row.sd = s.sd_p_value;
     print_hw_row(out, row);
-    write_hw_batch_locus(locus, row);
+    write_hw_batch_locus(table_row, locus, row);
+    return true;
+}
+
+// A line a locus and, with `tests`, a row of the sample in the batch table. @return false when the user stopped the
+// test.
+bool print_loci(Population& sample, std::ostream& out, int nb_loci, long steps, settings& s, bool tests) {
+    TabRow table_row = tests ? hw_batch_row(sample.pop_name().str()) : TabRow(nullptr, {});
+    for (int locus = 0; locus < nb_loci; ++locus) {
+        s.p_value = 1.0;
+        if (tests && !test_locus(sample, out, locus, steps, s, table_row)) {
+            out << std::endl;
+            return false;
+        }
+        out << '\n';
+    }
     return true;
 }
 
@@ -220,19 +235,8 @@ void Population::make_all_hw(std::ostream& out, TPhenDB const& ph, long const& s
         print_hw_lengths(out, "Loci", s.MarkovChainStepsHW, s.MarkovChainDememorisationStepsHW);
     }
     print_hw_head(out);
-    bool const batch_row = s.MakeHWExactTest && level != Level::haplotypes;
-    if (batch_row) begin_hw_batch_row(pop_name().str());
-    int const nb_loci = ph.num_loci();
-    for (int locus = 0; locus < nb_loci; ++locus) {
-        s.p_value = 1.0;
-        if (s.MakeHWExactTest && level != Level::haplotypes && !test_locus(*this, out, locus, steps, s)) {
-            out << std::endl;
-            end_hw_batch_row();
-            return;
-        }
-        out << '\n';
-    }
-    if (batch_row) end_hw_batch_row();
+    bool const tests_loci = s.MakeHWExactTest && level != Level::haplotypes;
+    if (!print_loci(*this, out, ph.num_loci(), steps, s, tests_loci)) return;
     print_hw_rule(out);
     if (s.MakeHWExactTest && profile.GameticPhase != 0 && level != Level::loci &&
         !test_haplotypes(*this, out, steps, s)) {

@@ -64,6 +64,4 @@ std::ostream& operator<<(std::ostream& out, user_text const& x) {
     return out;
 }
 
-std::string quoted(std::string_view text) { return '"' + std::string(text) + '"'; }
-
 }  // namespace tov

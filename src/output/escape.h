@@ -34,7 +34,4 @@ std::ostream& operator<<(std::ostream& out, user_text const& x);
 /// Number of columns that `text` takes in the document.
 [[nodiscard]] int shown_length(std::string_view text) noexcept;
 
-/// `text` between double quotes, as names stand in the batch tables; nothing is escaped.
-[[nodiscard]] std::string quoted(std::string_view text);
-
 }  // namespace tov

@@ -3,10 +3,9 @@
 
 #include <fstream>
 #include <istream>
-#include <sstream>
 
-#include "output/escape.h"
 #include "output/style.h"
+#include "output/table_columns.h"
 
 namespace tov {
 
@@ -86,75 +85,47 @@ Flag const flags[] = {
     {"_DETECT_SELECTION_", &_DETECT_SELECTION_},
 };
 
+/// Where an open table is held; what stands in it is told with its columns.
 struct Table {
-    int const* wanted;
-    BatchStream* stream;
     std::string_view file;
-    std::string_view head;  ///< title and column heads, each line with its end
-    bool append = true;
+    BatchStream* stream;
 };
-
-constexpr std::string_view distance_head = "\tfile_name\n";
-constexpr std::string_view mismatch_head = "Mismatch distribution:\nfile_name\tpop_name\tmethod\tgamma\tparameters\n";
-constexpr std::string_view plain_linkage_head = "Linkage disequilibrium:\nfile_name\tpop_name\n";
-
 Table const tables[] = {
-    {&_GENE_DIVERSITY_, &ofs_gen_div, "gen_div.sum",
-     "Gene diversity indices:\n"
-     "file_name\tpop_name\tnb_gene_copies\tnb_haplotypes\t[orig_nb_haplotypes]\tnum_loci\t_nb_usable_loci\t"
-     "_nb_pol_sites\tgene_diversity\n"},
-    {&_NUCLEOTIDE_COMPOSITION_, &ofs_nuc_comp, "nucl_comp.sum",
-     "Nucleotide composition\n"
-     "file_name\tpop_name\tC\tT\tA\tG\tsum(CTAG)\n"},
-    {&_MOLECULAR_DIVERSITY_, &ofs_mol_div, "mold_div.sum",
-     "Molecular diversity indices:\n"
-     "file_name\tpop_name\tgene_copies\tnb_haplotypes\t[orig_nb_haplotypes]\tdeletion_weight\ttransition_weight\t"
-     "transversion_weight\tmissing_data_level\ttransitions\ttransversions\tsubstitutions\tindels\tpol_sites\t"
-     "transition_sites\ttransversion_sites\tsubstitution_sites\tindel_sites\tsites\tusable_sites\tmethod\tgamma\t"
-     "Pi\tsd_Pi\tnucleotide_diversity\tsd_nucleotide_diversity\n"},
-    {&_MISMATCH_, &ofs_mismatch, "mismatch.sum", mismatch_head},
-    {&_MISMATCH_, &ofs_mismatch_sp3, "mismatch_sp3.sum", mismatch_head},
-    {&_MISMATCH_, &ofs_mismatch_sp4, "mismatch_sp4.sum", mismatch_head},
-    {&_MISMATCH_, &ofs_only_mismatch, "only_mismatch_sp.txt", "Mismatch distribution:\n", false},
-    {&_THETA_, &ofs_theta, "theta.sum", distance_head},
-    {&_LINKAGE_DISEQUILIBRIUM_, &ofs_link_dis, "link_dis.sum",
-     "Linkage disequilibrium:\n"
-     "file_name\tpop_name\tlocus_1\tlocus_2\tsteps\tP\tsd_P\n"},
-    {&_LINKAGE_DISEQUILIBRIUM_, &ofs_link_dis_pro, "l_d_pro.sum", plain_linkage_head},
-    {&_LINKAGE_DISEQUILIBRIUM_, &ofs_link_dis_pro_inbreeding, "l_d_proIBD.sum", plain_linkage_head},
-    {&_LINKAGE_DISEQUILIBRIUM_, &ofs_distrib_LD, "l_d_val.sum", plain_linkage_head},
-    {&_HARDY_WEINBERG_, &ofs_HW, "hw.sum", "Hardy-Weinberg equilibrium indices\tfile_name\tpop_name\n"},
-    {&_TAJIMA_, &ofs_tajima, "tajima.sum",
-     "Tajima's test:\n"
-     "file_name\tpop_name\tgene_copies\tS\ttheta_S\tPi\tD\tP_before\tP_sim\tP(D<=0)\tnb_sim\n"},
-    {&_FU_FS_, &ofs_fu_fs, "fu_fs.sum",
-     "Fu's Fs test:\n"
-     "file_name\tpop_name\tgene_copies\tk\ttheta_Pi\texp_k\tFs\tP_sim\tP(Fs<=0)\tnb_sim\n"},
-    {&_EWENS_WATTERSON_, &ofs_ewens_watt, "ewens.sum",
-     "Ewens-Watterson test:\n"
-     "file_name\tpop_name\tgene_copies\tk\tF_obs\tF_exp\tP_Watterson\tP_Slatkin\n"},
-    {&_CHAKRABORTY_, &ofs_chakra, "chakra.sum",
-     "Chakraborty's test:\n"
-     "file_name\tpop_name\tgene_copies\tk\thomozygosity\texp_k\tP_exact_k\tP_k_or_more\n"},
-    {&_PAIRWISE_DIST_, &ofs_pairw_dist, "pairdist.sum", distance_head},
-    {&_PAIRWISE_DIST_, &ofs_FST_dist, "FSTdist.sum", distance_head},
-    {&_PAIRWISE_DIST_, &ofs_varComp_dist, "VCompdist.sum", distance_head},
-    {&_PAIRWISE_DIST_, &ofs_pairw_diffs, "pairdiff.sum", distance_head},
-    {&_PAIRWISE_DIST_, &ofs_tau_uneq, "tau_uneq.sum", distance_head},
-    {&_PAIRWISE_DIST_, &ofs_concest, "coanst_c.sum", distance_head},
-    {&_PAIRWISE_DIST_, &ofs_slatkins, "slatkin.sum", distance_head},
-    {&_PAIRWISE_DIST_, &ofs_NM_vals, "NM_value.sum", distance_head},
-    {&_AMOVA_RES_, &ofs_amova_res, "amovares.sum",
-     "AMOVA results:\n"
-     "file_name\tdf_a\tdf_b\tdf_c\tdf_d\tVa\tVb\tVc\tVd\tF-statistics\tnperm\tP-values\n"},
-    {&_ALLELE_FREQS_, &ofs_allele_freqs, "allele_freqs.sum",
-     "Allele frequencies:\n"
-     "file_name\tpop_name\tid\tfreq\n"},
-    {&_DETECT_SELECTION_, &ofs_selection_res, "selectionDetection.sum",
-     "Detection of loci under selection:\n"
-     "file_name\tnb_sim\tnb_loci\tlow_0.001\tlow_0.005\tlow_0.01\tlow_0.025\tlow_0.05\t"
-     "high_0.001\thigh_0.005\thigh_0.01\thigh_0.025\thigh_0.05\n"},
+    {"gen_div.sum", &ofs_gen_div},
+    {"nucl_comp.sum", &ofs_nuc_comp},
+    {"mold_div.sum", &ofs_mol_div},
+    {"mismatch.sum", &ofs_mismatch},
+    {"mismatch_sp3.sum", &ofs_mismatch_sp3},
+    {"mismatch_sp4.sum", &ofs_mismatch_sp4},
+    {"only_mismatch_sp.txt", &ofs_only_mismatch},
+    {"theta.sum", &ofs_theta},
+    {"link_dis.sum", &ofs_link_dis},
+    {"l_d_pro.sum", &ofs_link_dis_pro},
+    {"l_d_proIBD.sum", &ofs_link_dis_pro_inbreeding},
+    {"l_d_val.sum", &ofs_distrib_LD},
+    {"hw.sum", &ofs_HW},
+    {"tajima.sum", &ofs_tajima},
+    {"fu_fs.sum", &ofs_fu_fs},
+    {"ewens.sum", &ofs_ewens_watt},
+    {"chakra.sum", &ofs_chakra},
+    {"pairdist.sum", &ofs_pairw_dist},
+    {"FSTdist.sum", &ofs_FST_dist},
+    {"VCompdist.sum", &ofs_varComp_dist},
+    {"pairdiff.sum", &ofs_pairw_diffs},
+    {"tau_uneq.sum", &ofs_tau_uneq},
+    {"coanst_c.sum", &ofs_concest},
+    {"slatkin.sum", &ofs_slatkins},
+    {"NM_value.sum", &ofs_NM_vals},
+    {"amovares.sum", &ofs_amova_res},
+    {"allele_freqs.sum", &ofs_allele_freqs},
+    {"selectionDetection.sum", &ofs_selection_res},
 };
+
+bool wanted(TableText const& table) {
+    for (Flag const& flag : flags)
+        if (flag.name == table.flag) return *flag.value != 0;
+    return false;
+}
 
 /// The next line, without a carriage return at its end, cut to `longest` characters. False at the end of the data.
 bool read_line(std::istream& in, std::string& line, std::size_t longest) {
@@ -190,11 +161,12 @@ void initialize_tovenia_global_objects() {
                      "Sum of squared size difference (RST)"};
     for (Table const& table : tables) {
         table.stream->reset();
-        if (*table.wanted == 0) continue;
+        TableText const& text = table_text(table.file);
+        if (!wanted(text)) continue;
         *table.stream = std::make_unique<std::ofstream>(_batch_dir + std::string(table.file),
-                                                        table.append ? std::ios::app : std::ios::trunc);
+                                                        text.append ? std::ios::app : std::ios::trunc);
         // kept on purpose: the double quote behind "file" belongs to the banner that readers of these tables look for
-        **table.stream << "\n\n" << rule{67} << "\nTovenia batch run summary file\"\n" << table.head << std::flush;
+        **table.stream << "\n\n" << rule{67} << "\nTovenia batch run summary file\"\n" << head_of(text) << std::flush;
     }
 }
 
@@ -203,19 +175,16 @@ void close_all_global_streams() {
     for (Table const& table : tables) table.stream->reset();
 }
 
-void begin_batch_row(BatchStream const& table, std::string_view file, std::string_view sample) {
-    if (table) *table << quoted(file) << '\t' << quoted(sample) << '\t';
+TabRow batch_row(BatchStream const& table, std::string_view file) {
+    TabRow row(table.get(), {.flush = true});
+    row.quoted(file);
+    return row;
 }
 
-void print_batch_values(BatchStream const& table, std::initializer_list<double> values) {
-    if (!table) return;
-    std::ostringstream text;
-    bool first = true;
-    for (double const value : values) {
-        text << (first ? "" : "\t") << value;
-        first = false;
-    }
-    *table << text.str();
+TabRow batch_row(BatchStream const& table, std::string_view file, std::string_view sample) {
+    TabRow row = batch_row(table, file);
+    row.quoted(sample);
+    return row;
 }
 
 }  // namespace tov

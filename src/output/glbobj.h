@@ -2,11 +2,12 @@
 #pragma once
 
 #include <array>
-#include <initializer_list>
 #include <memory>
 #include <ostream>
 #include <string>
 #include <string_view>
+
+#include "output/tab_row.h"
 
 namespace tov {
 
@@ -75,10 +76,9 @@ void initialize_tovenia_global_objects();
 /// Clears `_batch_dir`, closes the tables and sets their pointers to null.
 void close_all_global_streams();
 
-/// The beginning of a row: file and sample name in double quotes, each followed by a tab. Nothing is printed to a
-/// table that isn't open.
-void begin_batch_row(BatchStream const& table, std::string_view file, std::string_view sample);
-/// Values in the default format (6 digits), separated by tabs; neither a tab in front nor behind.
-void print_batch_values(BatchStream const& table, std::initializer_list<double> values);
+/// A row that begins with the file, or with file and sample, in double quotes. It takes cells and writes nothing when
+/// the table isn't open; otherwise it is written and flushed when it ends.
+[[nodiscard]] TabRow batch_row(BatchStream const& table, std::string_view file);
+[[nodiscard]] TabRow batch_row(BatchStream const& table, std::string_view file, std::string_view sample);
 
 }  // namespace tov

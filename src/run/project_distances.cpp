@@ -17,7 +17,9 @@
 #include "model/sample.h"
 #include "output/html_out.h"
 #include "output/references.h"
+#include "output/tab_row.h"
 #include "output/table.h"
+#include "output/table_columns.h"
 #include "run/errors.h"
 #include "run/project.h"
 #include "structure/minspanet.h"
@@ -45,9 +47,9 @@ void report_usable_loci(std::ostream& out, settings const& set, PopGenetics cons
     print_locus_section(out, "List of usable loci :", loci_by_use(population, true));
     print_locus_section(out, "List of loci with too much missing data :", loci_by_use(population, false));
     std::ofstream table(set.project_dir + "MissDataPerLocus.txt", std::ios::trunc);
-    table << "Locus#\tFreq. missing data\n";
+    table << head_of(table_text("MissDataPerLocus.txt"));
     for (int i = 0; i < static_cast<int>(population.use_site().size()); ++i)
-        table << i + 1 << '\t' << population.missDataForLocus(i) << '\n';
+        TabRow(table) << i + 1 << population.missDataForLocus(i);
 }
 
 }  // namespace

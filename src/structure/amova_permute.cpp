@@ -86,25 +86,24 @@ int Amova::run_design(AmovaDesign const& design, std::vector<Statistic> const& s
 }
 
 void Amova::write_batch_row(AmovaDesign const& design) const {
-    if (!print_ || !ofs_amova_res) {
+    if (!print_) {
         return;
     }
     constexpr std::size_t levels = 4;  // a design with fewer has 0 in their place
-    std::ostringstream row;
+    TabRow row = batch_row(ofs_amova_res, settings::input_file);
     for (int const df : table_.df) {
-        row << '\t' << df;
+        row << df;
     }
     for (double const variance : table_.variance) {
-        row << '\t' << variance;
+        row << variance;
     }
     for (std::size_t k = 0; k < levels; ++k) {
-        row << '\t' << (k < design.indices.size() ? table_.*design.indices[k].value : 0.0);
+        row << (k < design.indices.size() ? table_.*design.indices[k].value : 0.0);
     }
-    row << '\t' << results_->permutations;
+    row << results_->permutations;
     for (std::size_t k = 0; k < levels; ++k) {
-        row << '\t' << (k < design.tests.size() ? results_->p_value[design.tests[k].slot] : 0.0);
+        row << (k < design.tests.size() ? results_->p_value[design.tests[k].slot] : 0.0);
     }
-    *ofs_amova_res << quoted(settings::input_file) << row.str() << '\n' << std::flush;
 }
 
 /// The vector as the samples hold it, before every test but the first (which runs from that state anyway).

@@ -6,7 +6,6 @@
 
 #include "input/settings.h"
 #include "model/struct.h"
-#include "output/escape.h"
 #include "output/glbobj.h"
 #include "output/style.h"
 #include "output/xml.h"
@@ -55,30 +54,18 @@ void print_p_values(std::ostream& out, SelectionResults const& r) {
     }
 }
 
-void write_p(std::ostream& out, double p) {
-    if (p < not_computed) {
-        out << '\t' << p;
-    } else {
-        out << "\t2";
-    }
-}
-
 void write_observed(settings const& set, SelectionResults const& r) {
     std::ofstream out(set.project_dir + "fdist2_ObsOut.txt", std::ios::trunc);
-    out.precision(all_digits);
     out << "Locus\tObs. Het. BP\tObs FST\tFST P-value" << (r.several_groups ? "\tObs FCT\tFCT P-value" : "")
         << " (if P-value=2 -> uncomputed value because Obs.Het.BP is out of simulated bounds)\n";
+    auto const shown = [](double p) { return p < not_computed ? p : not_computed; };
     int number = 0;
     for (TestedLocus const& locus : r.loci) {
         ++number;
         if (locus.FST == unusable_locus) continue;
-        out << number << '\t' << locus.het_between << '\t' << locus.FST;
-        write_p(out, locus.p_fst);
-        if (r.several_groups) {
-            out << '\t' << locus.FCT;
-            write_p(out, locus.p_fct);
-        }
-        out << '\n';
+        TabRow row(out, {.digits = all_digits});
+        row << number << locus.het_between << locus.FST << shown(locus.p_fst);
+        if (r.several_groups) row << locus.FCT << shown(locus.p_fct);
     }
 }
 
@@ -124,10 +111,9 @@ struct SignificantLoci {
     }
 };
 
-std::ostream& operator<<(std::ostream& out, SignificantLoci const& loci) {
-    for (int const n : loci.below) out << '\t' << n;
-    for (int const n : loci.above) out << '\t' << n;
-    return out;
+void append(TabRow& row, SignificantLoci const& loci) {
+    for (int const n : loci.below) row << n;
+    for (int const n : loci.above) row << n;
 }
 
 void write_batch_line(SelectionResults const& r) {
@@ -139,10 +125,10 @@ void write_batch_line(SelectionResults const& r) {
         fst.add(locus.FST, r.targets.FST, locus.p_fst);
         fct.add(locus.FCT, r.targets.FCT, locus.p_fct);
     }
-    *ofs_selection_res << quoted(settings::input_file) << '\t' << r.simulated.het.size() << '\t' << r.loci.size()
-                       << fst;
-    if (r.several_groups) *ofs_selection_res << fct;
-    *ofs_selection_res << std::endl;
+    TabRow row = batch_row(ofs_selection_res, settings::input_file);
+    row << r.simulated.het.size() << r.loci.size();
+    append(row, fst);
+    if (r.several_groups) append(row, fct);
 }
 
 }  // namespace
@@ -159,14 +145,15 @@ SimulationTable::SimulationTable(settings const& set, bool several_groups, Fixat
 }
 
 void SimulationTable::add(SimulatedLocus const& locus, double target_het, int mutations, Mut_Type type) {
-    out_ << locus.FST;
-    if (several_groups_) out_ << '\t' << locus.FSC << '\t' << locus.FCT;
+    TabRow row(out_, {.digits = all_digits});
+    row << locus.FST;
+    if (several_groups_) row << locus.FSC << locus.FCT;
     if (has_state_characters(type)) {
-        out_ << "\tNA";
+        row << "NA";
     } else {
-        out_ << '\t' << target_het;
+        row << target_het;
     }
-    out_ << '\t' << locus.het_between << '\t' << locus.H << '\t' << mutations << '\n';
+    row << locus.het_between << locus.H << mutations;
 }
 
 void print_selection_results(settings const& set, Structure const& tested, SelectionResults const& r) {

@@ -1,12 +1,14 @@
 // The run of the task blocks over a sample: their order, headings, refusals and tables.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <sstream>
 #include <string>
 
 #include "diversity/popdna.h"
 #include "output/glbobj.h"
 #include "support/analysed_project.h"
+#include "support/scratch_directory.h"
 
 namespace tov {
 namespace {
@@ -331,7 +333,43 @@ TEST_F(Blocks, WriteTheRowsOfTheBatchTables) {
     EXPECT_EQ(molecular_table.text(), names +
                                           "10\t3\t1\t1\t1\t1\t2\t1\t3\t0\t2\t2\t1\t2\t0\t10\t10\t#Diff\t inf\t"
                                           "1.04444\t0.755419\t0.104444\t0.085433\n");
-    EXPECT_EQ(thetas.text(), names + "\t(S)\t0.706972\t0.538727\n");
+    EXPECT_EQ(thetas.text(), names + "(S)\t0.706972\t0.538727\n");
+}
+
+TEST_F(Blocks, RowOfASampleWithoutDistancesKeepsItsColumns) {
+    AnalysedProject p(dna("10", "a 5 AAAAAAAAAA\nb 5 TTTTTTTTTT\n"));
+    p.set.DistanceMethod = 1;  // no such distance between sequences that share nothing
+    TableInMemory const table(ofs_mol_div);
+    p.run(standard | molecular);
+    std::string const row = table.text();
+    EXPECT_EQ(std::count(row.begin(), row.end(), '\t'), 24);
+    EXPECT_TRUE(row.ends_with("\tJC\t inf\t-1\t-1\t-1\t-1\n")) << row;
+}
+
+TEST_F(Blocks, MismatchRowsHoldTheEstimatesOfTheirModels) {
+    AnalysedProject p(dna("10", "a 5 ACGTACGTAC\nb 3 ACGTACGTAT\nc 2 GCGTACGTAA\n"));
+    test::ScratchDirectory const directory;  // a table of estimates begins in the working directory
+    TableInMemory const sudden(ofs_mismatch), one(ofs_mismatch_sp3), two(ofs_mismatch_sp4), alone(ofs_only_mismatch);
+    p.set.MismatchDemogExp = p.set.MismatchSpatialExp = 1;
+    p.set.MismatchSpatialExpNumParams = 2;
+    p.set.NumBootExpDem = 0;
+    p.run(task::mismatch);
+    PopGenetics const& sample = p.sample();
+    auto const row = [](ExpansionFit const& fit, bool theta0, bool m) {
+        std::ostringstream text;
+        text << "\t#Diff\t0\t" << fit.tau.value;
+        if (theta0) text << '\t' << fit.theta0.value;
+        text << '\t' << fit.theta1.value;
+        if (m) text << '\t' << fit.m.value;
+        return text.str();
+    };
+    std::string const counts = "14\t15\t16\n";
+    EXPECT_EQ(alone.text(), counts);
+    EXPECT_TRUE(sudden.text().ends_with(row(sample.demographic_fit_, true, false) + '\t' + counts)) << sudden.text();
+    EXPECT_TRUE(one.text().ends_with(row(sample.spatial_one_size_fit_, false, true) + '\t' + counts)) << one.text();
+    EXPECT_TRUE(two.text().ends_with(row(sample.spatial_two_sizes_fit_, true, true) + '\n')) << two.text();
+    EXPECT_NE(sample.spatial_one_size_fit_.theta1.value, sample.spatial_two_sizes_fit_.theta1.value);
+    EXPECT_GT(sample.spatial_two_sizes_fit_.tau.value, 0.0);
 }
 
 TEST(LocusTable, GivesEachAlleleItsFrequencyInTheSample) {

@@ -397,6 +397,7 @@ TEST(FuBlock, RefusesAlleles) {
     SampleUnderTest<PopulStandard> s({{"A", 5}});
     s.run(task::fu_fs);
     EXPECT_TRUE(s.prints("Fu's Fs test is not possible for standard data type"));
+    EXPECT_EQ(s.pop.fusFS(), -1.0);
     EXPECT_EQ(s.pop.pFusFS(), -1.0);
 }
 

@@ -42,7 +42,5 @@ TEST(UserText, PadsByWhatTheReaderSees) {
     EXPECT_EQ(shown_length("a<\x02z"), 3);
 }
 
-TEST(Quoted, PutsDoubleQuotesAroundAndEscapesNothing) { EXPECT_EQ(quoted("a<b"), "\"a<b\""); }
-
 }  // namespace
 }  // namespace tov

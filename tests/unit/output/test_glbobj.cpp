@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "output/glbobj.h"
+#include "output/table_columns.h"
 
 namespace tov {
 namespace {
@@ -152,16 +153,30 @@ TEST_F(BatchTables, UnwritableTableDropsItsText) {
     EXPECT_FALSE(ofs_tajima->good());
 }
 
-TEST_F(BatchTables, RowBeginsWithQuotedNames) {
+TEST_F(BatchTables, RowBeginsWithQuotedNamesAndIsWrittenWhenItEnds) {
     BatchStream const none;
-    begin_batch_row(none, "f", "s");
-    print_batch_values(none, {1.0});
+    batch_row(none, "f", "s") << 1.0;
     auto text = std::make_unique<std::ostringstream>();
     std::ostringstream& written = *text;
     BatchStream const table = std::move(text);
-    begin_batch_row(table, "dna.tvp", "North & South");
-    print_batch_values(table, {1.0, 0.123456789, -1.0});
-    EXPECT_EQ(written.str(), "\"dna.tvp\"\t\"North & South\"\t1\t0.123457\t-1");
+    {
+        TabRow row = batch_row(table, "dna.tvp", "North & South");
+        row << 1234567 << 0.123456789 << -1.0;
+        EXPECT_EQ(written.str(), "");
+    }
+    batch_row(table, "p.tvp") << 1;
+    EXPECT_EQ(written.str(), "\"dna.tvp\"\t\"North & South\"\t1234567\t0.123457\t-1\n\"p.tvp\"\t1\n");
+}
+
+TEST_F(BatchTables, EveryDescribedTableHasAFlagThatOpensIt) {
+    std::string lines;
+    for (TableText const& table : batch_table_texts()) lines += std::string(table.flag) + "\n";
+    list(lines);
+    open();
+    EXPECT_EQ(files(), batch_table_texts().size() + 1);
+    for (TableText const& table : batch_table_texts()) {
+        EXPECT_EQ(content(std::string(table.file)), banner + head_of(table)) << table.file;
+    }
 }
 
 TEST_F(BatchTables, DistanceNamesAreInTheOrderOfTheirNumbers) {
