@@ -47,7 +47,9 @@ void Samples::summarise(settings& s) {
     if (s.TaskNumber == task::prepare_permutations || s.TaskNumber == task::pairwise_distances) return;
     computeNumPrivateSubstSitesPerPop(s);
     if (s.check_intrap_pop_task()) WriteSummaryStatistics(s);
-    if (s.ComputeAllAlleleFreqs && s.wants(task::standard_indices)) computeAndOutputAlleFreqPerPop(s);
+    // Recessive data have no frequencies: their standard indices are refused.
+    bool const frequencies = s.wants(task::standard_indices) && s.RecessiveAllelesEM == 0;
+    if (s.ComputeAllAlleleFreqs && frequencies) computeAndOutputAlleFreqPerPop(s);
 }
 
 // --- Work, in arbitrary units: the scale of the progress shown ---

@@ -7,6 +7,8 @@
 
 #include "input/settings.h"
 #include "model/sample.h"
+#include "output/summary_table.h"
+#include "output/tab_row.h"
 
 namespace tov {
 
@@ -27,14 +29,15 @@ std::vector<TAllele const*> named_alleles(TLocus const& locus, char missing) {
     return alleles;
 }
 
-void write_frequencies(std::ostream& out, TAllele const& allele, int samples) {
-    out << allele.name();
+void append_frequencies(TabRow& row, TAllele const& allele, int samples) {
+    row << allele.name();
     double const* const frequencies = allele.pop_freq();
     for (int s = 0; s < samples; ++s) {
-        out << '\t' << (frequencies != nullptr && s < allele.pop_freq_slots() ? frequencies[s] : 0.0);
+        row << (frequencies != nullptr && s < allele.pop_freq_slots() ? frequencies[s] : 0.0);
     }
-    out << '\n';
 }
+
+std::string label(char const* word, int number) { return word + std::to_string(number); }
 
 }  // namespace
 
@@ -44,22 +47,33 @@ void Samples::computeAndOutputAlleFreqPerPop(settings& s) {
         return;
     }
     int const n = NbPopulations();
-    std::string const& directory = s.project_dir;
-    std::ofstream names(directory + "PopNames.txt", std::ios::trunc);
-    std::string head = "Allele";
+    std::ofstream names(side_table_path(s, "PopNames.txt", pooled != 0), std::ios::trunc);
     for (int i = 0; i < n; ++i) {
-        names << "Pop_" << i + 1 << '\t' << (*this)[i]->pop_name() << '\n';
-        head += "\tPop_" + std::to_string(i + 1);
+        TabRow(names) << label("Pop_", i + 1) << (*this)[i]->pop_name();
     }
-    std::ofstream all(directory + "AllAlleleFreqs.txt", std::ios::trunc);
-    all << "Locus\t" << head << '\n';
+    auto const append_head = [n](TabRow& row) {
+        row << "Allele";
+        for (int i = 0; i < n; ++i) {
+            row << label("Pop_", i + 1);
+        }
+    };
+    std::ofstream all(side_table_path(s, "AllAlleleFreqs.txt", pooled != 0), std::ios::trunc);
+    {
+        TabRow head(all);
+        head << "Locus";
+        append_head(head);
+    }
     for (int l = 0; l < database->nb_loci(); ++l) {
-        std::ofstream one(directory + "AllFreqLocus_" + std::to_string(l + 1) + ".txt", std::ios::trunc);
-        one << head << '\n';
+        std::ofstream one(side_table_path(s, label("AllFreqLocus_", l + 1) + ".txt", pooled != 0), std::ios::trunc);
+        {
+            TabRow head(one);
+            append_head(head);
+        }
         for (TAllele const* const allele : named_alleles(*database->locus(l), MissingData)) {
-            write_frequencies(one, *allele, n);
-            all << "Locus_" << l + 1 << '\t';
-            write_frequencies(all, *allele, n);
+            TabRow of_locus(one), of_all(all);
+            append_frequencies(of_locus, *allele, n);
+            of_all << label("Locus_", l + 1);
+            append_frequencies(of_all, *allele, n);
         }
     }
 }

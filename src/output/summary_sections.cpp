@@ -151,10 +151,15 @@ private:
 
     /// Theta from the heterozygosity of each locus, under infinite alleles or one-step mutations.
     [[nodiscard]] SummaryTable theta_h(bool stepwise) const {
-        SummaryTable t{"Theta(H)", stepwise ? "thetaH_smm" : "thetaH",
-                       stepwise ? "\nTheta(H) under the stepwise mutation model"
-                                : "\nTheta(H) under the infinite-allele model",
-                       "Locus#", "", stepwise ? "" : "sumThetaH", true, locus_rows(&LocusTable::exp_het, 5)};
+        SummaryTable t{
+            "Theta(H)",
+            stepwise ? "thetaH_smm" : "thetaH",
+            stepwise ? "\nTheta(H) under the stepwise mutation model" : "\nTheta(H) under the infinite-allele model",
+            "Locus#",
+            "",
+            stepwise ? "sumThetaH_smm" : "sumThetaH",
+            true,
+            locus_rows(&LocusTable::exp_het, 5)};
         double const none = std::numeric_limits<double>::infinity();
         auto const theta = [&](double h) {
             if (!(h >= 0.0) || h >= 1.0) {
@@ -210,22 +215,43 @@ private:
         return t;
     }
 
+    /// Sites with a substitution in at least one sample.
+    [[nodiscard]] static double flagged_sites() {
+        auto const& flags = PopGenetics::globalSubstPolymSites;
+        int sites = 0;
+        for (long site = 0; site < flags.GetItemsInContainer(); ++site) {
+            sites += flags[site] ? 1 : 0;
+        }
+        return sites;
+    }
+
     [[nodiscard]] SummaryTable molecular() const {
-        SummaryTable t{"Molecular diversity", "moldiv", "\nMolecular diversity indexes", "Statistics", "",
-                       "sumMolecDivIndexes", false, {}};
+        bool const sequences = samples_.DataType == DNA;
+        SummaryTable t{"Molecular diversity",
+                       "moldiv",
+                       "\nMolecular diversity indexes",
+                       "Statistics",
+                       sequences ? "Total:" : "",
+                       "sumMolecDivIndexes",
+                       false,
+                       {}};
         auto const dna = [](int SubstitutionCounts::*member) {
             return [member](PopGenetics const& p) {
                 auto const* const sample = dynamic_cast<PopulDNA const*>(&p);
                 return sample == nullptr ? -1.0 : sample->substitution_counts().*member;
             };
         };
+        SummaryRow substitution_sites = count("No. of subst. sites", dna(&SubstitutionCounts::substitution_sites));
+        if (sequences) {
+            substitution_sites.total = flagged_sites();
+        }
         t.rows = {count("No. of transitions", dna(&SubstitutionCounts::transitions)),
                   count("No. of transversions", dna(&SubstitutionCounts::transversions)),
                   count("No. of substitutions", dna(&SubstitutionCounts::substitutions)),
                   count("No. of indels", dna(&SubstitutionCounts::indels)),
                   count("No. of ts. sites", dna(&SubstitutionCounts::transition_sites)),
                   count("No. of tv. sites", dna(&SubstitutionCounts::transversion_sites)),
-                  count("No. of subst. sites", dna(&SubstitutionCounts::substitution_sites)),
+                  std::move(substitution_sites),
                   count("No. private subst. sites", dna(&SubstitutionCounts::private_sites)),
                   count("No. of indel sites", dna(&SubstitutionCounts::indel_sites)),
                   row("Pi", [](PopGenetics const& p) { return p.pi_; }),
@@ -250,6 +276,7 @@ private:
         };
         bool const ewens = set_.wants(task::ewens_watterson), chakraborty = set_.wants(task::chakraborty);
         bool const tajima = set_.wants(task::tajima), fu = set_.wants(task::fu_fs);
+        add(ewens, SummaryRow{"Ewens-Watterson test", {}});
         add(ewens, count("Sample size", [](PopGenetics const& p) { return p.nb_genes(); }));
         add(ewens, count("Real no. of alleles", [](PopGenetics const& p) {
                 return p.nb_real_haplotypes_ >= 0 ? p.nb_real_haplotypes_ : p.nb_haplotypes();
@@ -261,14 +288,17 @@ private:
         add(ewens, row("Observed F value", [](PopGenetics const& p) { return p.obs_F_; }));
         add(ewens, row("Expected F value", [](PopGenetics const& p) { return p.exp_F_; }));
         add(ewens, row("Watterson F p-value", [](PopGenetics const& p) { return p.p_homoz_test_; }));
+        add(chakraborty, SummaryRow{"Chakraborty's test", {}});
         add(chakraborty, row("Obs. homozygosity", [](PopGenetics const& p) { return p.sample_homozygosity_; }));
         add(chakraborty, row("Exp. no. of alleles", [](PopGenetics const& p) { return p.exp_num_alleles_; }));
         add(chakraborty, row("P(k or more alleles)", [](PopGenetics const& p) { return p.p_chakrab_test_; }));
+        add(tajima, SummaryRow{"Tajima's test", {}});
         add(tajima, count("Sample size", [](PopGenetics const& p) { return p.nb_genes(); }));
         add(tajima, count("S", [](PopGenetics const& p) { return p.segregating_sites(); }));
         add(tajima, row("Pi", [](PopGenetics const& p) { return p.pi_; }));
         add(tajima, row("Tajima's D", [](PopGenetics const& p) { return p.tajima_D_; }));
         add(tajima, row("Tajima's D p-value", [](PopGenetics const& p) { return p.p_tajima_D_; }));
+        add(fu, SummaryRow{"Fu's Fs test", {}});
         add(fu, row("FS", [](PopGenetics const& p) { return p.fus_FS_; }));
         add(fu, row("FS p-value", [](PopGenetics const& p) { return p.p_fus_FS_; }));
         return t;
@@ -300,14 +330,14 @@ private:
     [[nodiscard]] SummaryTable mismatch() const {
         SummaryTable t{"Mismatch analysis", "mismatch", "\nMismatch analysis\n", "Statistics", "", "", false, {}};
         if (set_.MismatchDemogExp) {
-            t.rows.push_back(SummaryRow{"Demographic expansion", {}, 5});
+            t.rows.push_back(SummaryRow{"\nDemographic expansion", {}});
             add_quantiles(t, "Tau", &PopGenetics::demographic_fit_, &ExpansionFit::tau);
             add_quantiles(t, "Theta0", &PopGenetics::demographic_fit_, &ExpansionFit::theta0);
             add_quantiles(t, "Theta1", &PopGenetics::demographic_fit_, &ExpansionFit::theta1);
             add_fit(t, &PopGenetics::demographic_fit_);
         }
         if (set_.MismatchSpatialExp) {
-            t.rows.push_back(SummaryRow{"Spatial expansion", {}, 5});
+            t.rows.push_back(SummaryRow{"\nSpatial expansion", {}});
             add_quantiles(t, "Tau", &PopGenetics::spatial_fit_, &ExpansionFit::tau);
             add_quantiles(t, "Theta", &PopGenetics::spatial_fit_, &ExpansionFit::theta1);
             add_quantiles(t, "M", &PopGenetics::spatial_fit_, &ExpansionFit::m);

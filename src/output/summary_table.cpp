@@ -8,6 +8,7 @@
 #include "input/settings.h"
 #include "output/html_out.h"
 #include "output/style.h"
+#include "output/tab_row.h"
 #include "output/table.h"
 #include "output/xml.h"
 
@@ -63,9 +64,6 @@ std::string cell(double value, int precision) {
 /// Cells of a row: the samples, mean and deviation, and the total where the table has one.
 std::vector<std::string> cells_of(SummaryRow const& row, bool totals) {
     std::vector<std::string> cells;
-    if (row.values.empty()) {
-        return cells;
-    }
     for (double const value : row.values) {
         cells.push_back(cell(value, row.precision));
     }
@@ -80,19 +78,27 @@ std::vector<std::string> cells_of(SummaryRow const& row, bool totals) {
 }
 
 void write_side_file(settings const& set, SummaryTable const& table, std::vector<SummaryRow> const& rows,
-                     std::span<std::string const> names) {
-    std::ofstream file(set.project_dir + table.side_file + ".sum", std::ios::trunc);
-    file << table.row_head;
-    for (std::string const& name : names) {
-        file << '\t' << name;
-    }
-    file << "\tMean\ts.d." << (table.total_head.empty() ? "" : "\t" + table.total_head) << '\n';
-    for (SummaryRow const& row : rows) {
-        file << row.label;
-        for (std::string const& text : cells_of(row, !table.total_head.empty())) {
-            file << '\t' << text;
+                     std::span<std::string const> names, bool groups) {
+    std::ofstream file(side_table_path(set, table.side_file + ".sum", groups), std::ios::trunc);
+    bool const totals = !table.total_head.empty();
+    {
+        TabRow head(file);
+        head << table.row_head;
+        for (std::string const& name : names) {
+            head << name;
         }
-        file << '\n';
+        head << "Mean"
+             << "s.d.";
+        if (totals) {
+            head << table.total_head;
+        }
+    }
+    for (SummaryRow const& row : rows) {
+        TabRow line(file);
+        line << row.label;
+        for (std::string const& text : cells_of(row, totals)) {
+            line << text;
+        }
     }
 }
 
@@ -108,6 +114,10 @@ void print_rows(std::ostream& out, SummaryTable const& table, std::vector<Summar
     }
     out << '\n';
     for (SummaryRow const& row : rows) {
+        if (row.values.empty()) {
+            out << row.label << '\n';
+            continue;
+        }
         out << left_label{row.label, label_width};
         std::vector<std::string> const cells = cells_of(row, !table.total_head.empty());
         for (std::size_t c = 0; c < cells.size(); ++c) {
@@ -119,8 +129,15 @@ void print_rows(std::ostream& out, SummaryTable const& table, std::vector<Summar
 
 }  // namespace
 
+std::string side_table_path(settings const& set, std::string_view file, bool groups) {
+    return set.project_dir + (groups ? "gr_" : "") + std::string(file);
+}
+
 void print_summary_table(std::ostream& out, settings const& set, SummaryTable const& table,
                          std::span<std::string const> names, bool groups) {
+    if (table.rows.empty()) {
+        return;
+    }
     std::vector<int> widths;
     int width = label_width + 2 * least_width + (table.total_head.empty() ? 0 : least_width);
     for (std::string const& name : names) {
@@ -136,7 +153,7 @@ void print_summary_table(std::ostream& out, settings const& set, SummaryTable co
     } else {
         XmlSection const section(out, table.side_file);
         print_rows(out, table, rows, names, widths);
-        write_side_file(set, table, rows, names);
+        write_side_file(set, table, rows, names, groups);
     }
     out << rule{width} << "\n\n";
 }

@@ -5,6 +5,7 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace tov {
@@ -13,7 +14,8 @@ class settings;
 
 struct SummaryRow {
     std::string label;
-    std::vector<double> values;       ///< one a sample; -1 where nothing was computed; none at all: a sub-heading
+    std::vector<double>
+        values;  ///< one a sample; -1 where nothing was computed; none at all: a sub-heading, printed as it is
     int precision = 5;                ///< 0 for counts, whose mean has 3
     std::optional<double> total = {}; ///< over all samples together
     bool is_locus = true;             ///< enters mean and deviation over loci
@@ -30,7 +32,12 @@ struct SummaryTable {
     std::vector<SummaryRow> rows;
 };
 
-/// Prints a table with its tree entry, and its tab-separated copy `<project>.res/<side_file>.sum`.
+/// Path of a side table of a project in its result directory. The tables of pooled groups begin with "gr_", so that
+/// those of the samples leave them be.
+[[nodiscard]] std::string side_table_path(settings const& set, std::string_view file, bool groups);
+
+/// Prints a table with its tree entry, and its tab-separated copy `<project>.res/<side_file>.sum`. A table
+/// without rows is that of statistics that nobody asked for: it is left out.
 ///
 /// @param names   of the samples.
 /// @param groups  the samples are pooled groups.
