@@ -141,6 +141,24 @@ double PopGenetics::calc_gam_des_prob3(int* loci, long& seed, settings& s, long&
 
 // --- Coefficients ---
 
+namespace {
+
+constexpr double no_value = -1.0;
+
+/// Keeps neighbouring loci and the flanking pair for the summary, also a pair that has no coefficients.
+void keep_pair(double Dprime, double r2, int distance, int last) {
+    if (distance == 1) {
+        PopGenetics::adj_Dprime.Add(Dprime);
+        PopGenetics::adj_R2.Add(r2);
+    }
+    if (distance == last) {
+        PopGenetics::flank_Dprime.Add(Dprime);
+        PopGenetics::flank_R2.Add(r2);
+    }
+}
+
+}  // namespace
+
 int PopGenetics::calc_d_sd_values(int* loci, settings& s, double& sumD, double& sumDprime, int i, int last) {
     constexpr char const* origin = "PopGenetics::calc_d_sd_values()";
     int k[] = {loci[0], loci[1]};
@@ -148,6 +166,7 @@ int PopGenetics::calc_d_sd_values(int* loci, settings& s, double& sumD, double& 
     bool const stands = make_table(*this, k, made);
     if (!stands && !monomorphic) E.error(ErrorType::Error, origin, 155);
     if (!stands || monomorphic) {
+        keep_pair(no_value, no_value, i, last);
         clear_table(k);
         return 1;
     }
@@ -156,14 +175,7 @@ int PopGenetics::calc_d_sd_values(int* loci, settings& s, double& sumD, double& 
     print_ld_tables(s.ofs(), {loci[0], loci[1], names_of(made.first), names_of(made.second)}, made.counts, x);
     sumD += x.mean_r2;
     sumDprime += x.mean_abs_Dprime;
-    if (i == 1) {
-        adj_Dprime.Add(x.mean_abs_Dprime);
-        adj_R2.Add(x.mean_r2);
-    }
-    if (i == last) {
-        flank_Dprime.Add(x.mean_abs_Dprime);
-        flank_R2.Add(x.mean_r2);
-    }
+    keep_pair(x.mean_abs_Dprime, x.mean_r2, i, last);
     clear_table(k);
     return 1;
 }
@@ -215,16 +227,17 @@ void print_all_coefficients(PopGenetics& sample, std::ostream& out, std::vector<
     int const n = static_cast<int>(sites.size());
     double sum_r2 = 0.0;
     double sum_Dprime = 0.0;
+    int pairs = 0;  // with coefficients
     for (int a = 0; a < n; ++a) {
         for (int b = 0; b < a; ++b) {
             int loci[] = {sites[static_cast<std::size_t>(b)], sites[static_cast<std::size_t>(a)]};
             print_ld_loci(out, loci[0], loci[1]);
             sample.calc_d_sd_values(loci, s, sum_r2, sum_Dprime, a - b, n - 1);
+            pairs += sample.monomorphic ? 0 : 1;
         }
     }
-    double const pairs = n * (n - 1.0) / 2.0;
-    PopGenetics::mean_Dprime.Add(sum_Dprime / pairs);
-    PopGenetics::mean_R2.Add(sum_r2 / pairs);
+    PopGenetics::mean_Dprime.Add(pairs > 0 ? sum_Dprime / pairs : no_value);
+    PopGenetics::mean_R2.Add(pairs > 0 ? sum_r2 / pairs : no_value);
     sample.keep_linkage_summary();
 }
 

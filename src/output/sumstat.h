@@ -2,13 +2,14 @@
 #pragma once
 
 #include <array>
-#include <cstddef>
+#include <iosfwd>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "base/cstring.h"
 #include "input/profile.h"
+#include "output/sumstat_keywords.h"
 
 namespace tov {
 
@@ -16,19 +17,6 @@ class Samples;
 class amova_results;
 class settings;
 struct PairwiseResults;
-
-/// Words of the definition file, in the order in which they are looked for.
-inline constexpr std::array<std::string_view, 59> sum_stat_keywords{
-    "POP_LEVEL",       "GROUP_LEVEL",     "ALL_K",          "ALLSD_K",        "MEAN_K",         "SD_K",
-    "TOT_K",           "ALL_H",           "ALLSD_H",        "MEAN_H",         "SD_H",           "TOT_H",
-    "ALL_S",           "ALLSD_S",         "PRIVATE_S",      "MEAN_S",         "SD_S",           "TOT_S",
-    "ALL_TAJIMAD",     "ALLSD_TAJIMAD",   "MEAN_TAJIMAD",   "SD_TAJIMAD",     "TOT_TAJIMAD",    "ALL_FUFS",
-    "ALLSD_FUFS",      "MEAN_FUFS",       "SD_FUFS",        "TOT_FUFS",       "ALL_PI",         "MEAN_PI",
-    "SD_PI",           "TOT_PI",          "ALL_GW",         "ALLSD_GW",       "MEAN_GW",        "SD_GW",
-    "TOT_GW",          "ALL_NGW",         "ALLSD_NGW",      "MEAN_NGW",       "SD_NGW",         "ALL_RANGE",
-    "ALLSD_RANGE",     "MEAN_RANGE",      "SD_RANGE",       "TOT_RANGE",      "MEAN_ALL_DPRIME", "MEAN_ALL_R2",
-    "ALL_ADJ_DPRIME",  "ALL_ADJ_R2",      "MEAN_ADJ_DPRIME", "MEAN_ADJ_R2",   "FLANK_DPRIME",   "FLANK_R2",
-    "GLOBAL_FSTAT",    "GLOBALSD_FSTAT",  "PAIRWISE_FST",   "PAIRWISE_PI",    "PAIRWISE_DMUSQR"};
 
 /// What the columns are taken from: the samples of one level with what its analyses left. Borrowed.
 struct SumStatSource {
@@ -65,31 +53,35 @@ public:
 
     /// Name of the table.
     void set_output(std::string name) { output_file_ = std::move(name); }
-    /// Takes the columns of a level over; the titles of groups begin with "gr_". Nothing without a list in force.
+    /// Computes the columns of a level; the titles of groups begin with "gr_". Nothing without a list in force.
     ///
     /// Pools copies of the samples for the columns over all gene copies; these have the frequencies of the alleles.
     void collect(SumStatSource const& source, bool groups);
-    /// Appends the titles of the collected columns to the head, each followed by a tab.
+    /// Appends the titles of the collected columns to the head of the table.
     void outputHeader(TDataType type);
-    /// Appends the values of the collected columns to the line, each followed by a tab.
+    /// Appends the collected columns to the line of the project.
     void outputStats(TDataType type);
-    /// Writes the line, in front of it the head when `first`, and empties both. @param first  the table begins anew.
+    /// Writes the line, in front of it the head when `first`, and empties it. @param first  the table begins anew.
+    ///
+    /// The head is that of the first project. A line has its columns and no others: -1 for one that the project lacks;
+    /// a column that the head lacks is left out, which the log is told.
     void writeToFile(int first);
-    /// Drops head and line of a project that was left.
+    /// Drops the line of a project that was left, and a head that isn't written yet.
     void drop_line();
 
-    [[nodiscard]] std::string const& header() const noexcept { return header_; }
-    [[nodiscard]] std::string const& stats() const noexcept { return stats_; }
     /// Lines written since the definition was read.
     [[nodiscard]] int lines() const noexcept { return lines_; }
 
 private:
+    void write_head(std::ostream& table) const;
+    void write_line(std::ostream& table) const;
+
     std::string definition_file_;
     std::string output_file_;
     std::array<bool, sum_stat_keywords.size()> flags_{};
-    std::vector<SumStatColumn> columns_;
-    std::string header_;
-    std::string stats_;
+    std::vector<SumStatColumn> columns_;  ///< of the level in hand
+    std::vector<std::string> head_;       ///< titles
+    std::vector<SumStatColumn> line_;     ///< of the project in hand
     int lines_ = 0;
 };
 

@@ -83,6 +83,17 @@ MeanSd modified_garza_williamson(std::span<PopGenetics const* const> all, PopGen
     return {m.mean, m.sd};
 }
 
+/// Fs as the test leaves it, which is 0 where it can't be computed; -1 for the data that it refuses.
+MeanSd fu_fs_of(PopGenetics const& p) { return {p.phase_known() ? p.fusFS() : not_computed, not_computed}; }
+
+/// The design of an analysis defines the index. FST is kept for individuals in several groups too, whose document lacks
+/// it.
+bool has_index(AmovaCase const& design, AmovaIndexSlot slot) {
+    auto const& shown = design.averages;
+    return std::find(shown.begin(), shown.end(), slot == slot_FST && design.blocks.size() > 3 ? slot_FCT : slot) !=
+           shown.end();
+}
+
 double mean_of(std::vector<double> const& values) {
     double sum = 0.0;
     for (double const value : values) {
@@ -103,15 +114,17 @@ public:
     }
 
     std::vector<SumStatColumn> walk() {
-        family("K", "K", alleles_of, true);
-        family("H", "H", heterozygosity_of, true);
-        family("S", "S", segregating_sites_of, true);
-        family("TAJIMAD", "D", [](PopGenetics const& p) { return MeanSd{p.tajimaD(), not_computed}; }, false);
-        family("FUFS", "FS", [](PopGenetics const& p) { return MeanSd{p.fusFS(), not_computed}; }, false);
-        family("PI", "Pi", [](PopGenetics const& p) { return MeanSd{p.pi(), not_computed}; }, false);
-        family("GW", "GW", [](PopGenetics const& p) { return over_sizes(p, &LocusMeans::garza_williamson); }, true);
-        family("NGW", "NGW", [this](PopGenetics const& p) { return modified_garza_williamson(samples_, p); }, false);
-        family("RANGE", "R", [](PopGenetics const& p) { return over_sizes(p, &LocusMeans::range); }, true);
+        constexpr long indices = task::standard_indices;
+        constexpr long sites = task::standard_indices | task::molecular_diversity;
+        family("K", indices, alleles_of);
+        family("H", indices, heterozygosity_of);
+        family("S", sites, segregating_sites_of);
+        family("TAJIMAD", task::tajima, [](PopGenetics const& p) { return MeanSd{p.tajimaD(), not_computed}; });
+        family("FUFS", task::fu_fs, fu_fs_of);
+        family("PI", task::molecular_diversity, [](PopGenetics const& p) { return MeanSd{p.pi(), not_computed}; });
+        family("GW", indices, [](PopGenetics const& p) { return over_sizes(p, &LocusMeans::garza_williamson); });
+        family("NGW", indices, [this](PopGenetics const& p) { return modified_garza_williamson(samples_, p); });
+        family("RANGE", indices, [](PopGenetics const& p) { return over_sizes(p, &LocusMeans::range); });
         linkage();
         global_indices();
         pairs();
@@ -120,43 +133,50 @@ public:
 
 private:
     void add(std::string title, double value) { columns_.push_back({std::move(title), value}); }
-    [[nodiscard]] bool wants(std::string const& keyword) const { return wanted_.flag(keyword); }
 
-    /// One column a sample: the prefix with the number of the sample.
+    /// The keyword when the definition asks for it and it has columns of this kind; otherwise null.
+    [[nodiscard]] SumStatKeyword const* asked(std::string_view word, ColumnsPer per) const {
+        if (!wanted_.flag(word)) {
+            return nullptr;
+        }
+        auto const* const keyword =
+            std::find_if(sum_stat_keywords.begin(), sum_stat_keywords.end(),
+                         [word](SumStatKeyword const& candidate) { return candidate.word == word; });
+        return keyword->per == per ? keyword : nullptr;
+    }
+
+    /// One column a sample, with the number of the sample.
     template <class Value>
-    void each_sample(std::string const& prefix, Value const& value) {
-        for (std::size_t i = 0; i < samples_.size(); ++i) {
-            add(prefix + std::to_string(i + 1), value(*samples_[i]));
+    void each_sample(std::string_view word, Value const& value) {
+        if (auto const* const keyword = asked(word, ColumnsPer::sample)) {
+            for (std::size_t i = 0; i < samples_.size(); ++i) {
+                add(std::string(keyword->title) + std::to_string(i + 1), value(*samples_[i]));
+            }
         }
     }
 
-    /// Columns of one statistic. @param key  as the keywords name it. @param word  as the titles name it.
-    void family(std::string const& key, std::string const& word, Statistic const& statistic, bool with_total) {
-        if (wants("ALL_" + key)) {
-            each_sample(word + "_", [&](PopGenetics const& p) { return statistic(p).mean; });
+    template <class Value>
+    void one(std::string_view word, Value const& value) {
+        if (auto const* const keyword = asked(word, ColumnsPer::project)) {
+            add(std::string(keyword->title), value());
         }
-        if (wants("ALLSD_" + key)) {
-            each_sample(word + "sd_", [&](PopGenetics const& p) { return statistic(p).sd; });
-        }
-        if (wants("PRIVATE_" + key)) {
-            each_sample("pr" + word + "_", [](PopGenetics const& p) {
-                auto const* const sample = dynamic_cast<PopulDNA const*>(&p);
-                return sample == nullptr ? not_computed : sample->substitution_counts().private_sites;
-            });
-        }
-        bool const mean = wants("MEAN_" + key), sd = wants("SD_" + key);
-        if (mean || sd) {
-            MeanSd const over = over_samples(statistic);
-            if (mean) {
-                add("mean_" + word, over.mean);
-            }
-            if (sd) {
-                add("sd_" + word, over.sd);
-            }
-        }
-        if (with_total && wants("TOT_" + key)) {
-            add("tot_" + word, samples_.empty() ? not_computed : statistic(pooled()).mean);
-        }
+    }
+
+    /// Columns of one statistic; -1 in all of them when none of its tasks is on.
+    ///
+    /// @param key  as the keywords name it.
+    void family(std::string const& key, long tasks, Statistic const& computed) {
+        bool const on = source_.set.wants(tasks);
+        Statistic const statistic = [&](PopGenetics const& p) { return on ? computed(p) : MeanSd{}; };
+        each_sample("ALL_" + key, [&](PopGenetics const& p) { return statistic(p).mean; });
+        each_sample("ALLSD_" + key, [&](PopGenetics const& p) { return statistic(p).sd; });
+        each_sample("PRIVATE_" + key, [on](PopGenetics const& p) {
+            auto const* const sample = dynamic_cast<PopulDNA const*>(&p);
+            return on && sample != nullptr ? sample->substitution_counts().private_sites : not_computed;
+        });
+        one("MEAN_" + key, [&] { return over_samples(statistic).mean; });
+        one("SD_" + key, [&] { return over_samples(statistic).sd; });
+        one("TOT_" + key, [&] { return on && !samples_.empty() ? computed(pooled()).mean : not_computed; });
     }
 
     /// Mean and deviation over the samples with a value; the deviation of one value is 0.
@@ -208,76 +228,82 @@ private:
 
     // --- Linkage ---
     void linkage() {
-        linkage_of("MEAN_ALL_DPRIME", "mean_D'_", &LinkageSummary::mean_Dprime);
-        linkage_of("MEAN_ALL_R2", "mean_R2_", &LinkageSummary::mean_r2);
-        neighbours("ALL_ADJ_DPRIME", "adj_D'_", &LinkageSummary::adj_Dprime);
-        neighbours("ALL_ADJ_R2", "adj_R2_", &LinkageSummary::adj_r2);
-        mean_of_neighbours("MEAN_ADJ_DPRIME", "mean_adj_D'_", &LinkageSummary::adj_Dprime);
-        mean_of_neighbours("MEAN_ADJ_R2", "mean_adj_R2_", &LinkageSummary::adj_r2);
-        linkage_of("FLANK_DPRIME", "flank_D'_", &LinkageSummary::flank_Dprime);
-        linkage_of("FLANK_R2", "flank_R2_", &LinkageSummary::flank_r2);
+        linkage_of("MEAN_ALL_DPRIME", &LinkageSummary::mean_Dprime);
+        linkage_of("MEAN_ALL_R2", &LinkageSummary::mean_r2);
+        neighbours("ALL_ADJ_DPRIME", &LinkageSummary::adj_Dprime);
+        neighbours("ALL_ADJ_R2", &LinkageSummary::adj_r2);
+        mean_of_neighbours("MEAN_ADJ_DPRIME", &LinkageSummary::adj_Dprime);
+        mean_of_neighbours("MEAN_ADJ_R2", &LinkageSummary::adj_r2);
+        linkage_of("FLANK_DPRIME", &LinkageSummary::flank_Dprime);
+        linkage_of("FLANK_R2", &LinkageSummary::flank_r2);
     }
 
-    void linkage_of(std::string const& key, std::string const& prefix, double LinkageSummary::*value) {
-        if (wants(key)) {
-            each_sample(prefix, [value](PopGenetics const& p) { return p.linkage_.*value; });
-        }
+    void linkage_of(std::string_view word, double LinkageSummary::*value) {
+        each_sample(word, [value](PopGenetics const& p) { return p.linkage_.*value; });
     }
 
-    /// One column a pair of neighbouring loci and sample, the number of the sample last; at least one a sample.
-    void neighbours(std::string const& key, std::string const& prefix, std::vector<double> LinkageSummary::*list) {
-        if (!wants(key)) {
+    /// Pairs of neighbouring loci that a sample can have: so many columns, whatever the sample has.
+    [[nodiscard]] std::size_t most_neighbours() const {
+        TAlleleDB const* const alleles = samples_.empty() ? nullptr : samples_.front()->alleles;
+        int const loci = alleles == nullptr ? 0 : alleles->nb_loci();
+        return loci > 1 ? static_cast<std::size_t>(loci) - 1 : 1;
+    }
+
+    /// One column a pair of neighbouring loci and sample: number of the pair, then of the sample.
+    void neighbours(std::string_view word, std::vector<double> LinkageSummary::*list) {
+        auto const* const keyword = asked(word, ColumnsPer::locus_pair);
+        if (keyword == nullptr) {
             return;
         }
+        std::size_t const most = most_neighbours();
         for (std::size_t i = 0; i < samples_.size(); ++i) {
             auto const& values = samples_[i]->linkage_.*list;
-            for (std::size_t pair = 0; pair < std::max<std::size_t>(values.size(), 1); ++pair) {
-                add(prefix + std::to_string(pair + 1) + "_" + std::to_string(i + 1),
+            for (std::size_t pair = 0; pair < most; ++pair) {
+                add(std::string(keyword->title) + std::to_string(pair + 1) + "_" + std::to_string(i + 1),
                     pair < values.size() ? values[pair] : not_computed);
             }
         }
     }
 
-    void mean_of_neighbours(std::string const& key, std::string const& prefix,
-                            std::vector<double> LinkageSummary::*list) {
-        if (wants(key)) {
-            each_sample(prefix, [list](PopGenetics const& p) { return mean_of(p.linkage_.*list); });
-        }
+    void mean_of_neighbours(std::string_view word, std::vector<double> LinkageSummary::*list) {
+        each_sample(word, [list](PopGenetics const& p) {
+            std::vector<double> values = p.linkage_.*list;
+            std::erase(values, not_computed);
+            return mean_of(values);
+        });
     }
 
     // --- Structure ---
     void global_indices() {
-        if (!wants("GLOBAL_FSTAT")) {
+        if (asked("GLOBAL_FSTAT", ColumnsPer::index) == nullptr) {
             return;
         }
         amova_results const* const amova = source_.amova;
         AmovaCase const* const design = amova == nullptr ? nullptr : amova_case(amova->case_number);
         for (AmovaIndexSlot const slot : {slot_FIS, slot_FST, slot_FCT, slot_FSC, slot_FIT}) {
-            bool const known = design != nullptr && std::find(design->averages.begin(), design->averages.end(), slot) !=
-                                                        design->averages.end();
-            add(index_name(slot), known ? amova->index[slot] : not_computed);
+            add(index_name(slot), design != nullptr && has_index(*design, slot) ? amova->index[slot] : not_computed);
         }
     }
 
     void pairs() {
         PairwiseResults const* const r = source_.pairs;
         bool const fst = r != nullptr && r->has_fst, delta_mu = r != nullptr && r->has_delta_mu;
-        each_pair("PAIRWISE_FST", "FST_", [&](int i, int j) { return fst ? r->fst(i, j) : not_computed; });
-        each_pair("PAIRWISE_PI", "PI_", [&](int i, int j) { return fst ? r->differences(j, i) : not_computed; });
-        each_pair("PAIRWISE_DMUSQR", "DMUSQ_",
-                  [&](int i, int j) { return delta_mu ? r->delta_mu(i, j) : not_computed; });
+        each_pair("PAIRWISE_FST", [&](int i, int j) { return fst ? r->fst(i, j) : not_computed; });
+        each_pair("PAIRWISE_PI", [&](int i, int j) { return fst ? r->differences(j, i) : not_computed; });
+        each_pair("PAIRWISE_DMUSQR", [&](int i, int j) { return delta_mu ? r->delta_mu(i, j) : not_computed; });
     }
 
     /// The lower triangle, row by row.
     template <class Value>
-    void each_pair(std::string const& key, std::string const& prefix, Value const& value) {
-        if (!wants(key)) {
+    void each_pair(std::string_view word, Value const& value) {
+        auto const* const keyword = asked(word, ColumnsPer::sample_pair);
+        if (keyword == nullptr) {
             return;
         }
         int const n = source_.samples.NbPopulations();
         for (int i = 1; i < n; ++i) {
             for (int j = 0; j < i; ++j) {
-                add(prefix + std::to_string(i + 1) + "_" + std::to_string(j + 1), value(i, j));
+                add(std::string(keyword->title) + std::to_string(i + 1) + "_" + std::to_string(j + 1), value(i, j));
             }
         }
     }

@@ -347,6 +347,20 @@ TEST(LinkageReport, MeansOverPairsAreKeptForTheSummary) {
     EXPECT_DOUBLE_EQ(PopGenetics::mean_R2[0], sum / 3.0);
 }
 
+TEST(LinkageReport, PairWithoutCoefficientsKeepsItsPlaceInTheSummary) {
+    // The second and the third locus are never known together with both alleles of both.
+    HaplotypeSample x({{"aA?", 7}, {"bB?", 2}, {"aAm", 3}, {"bAn", 8}});
+    x.set.ComputeDvalues = 1;
+    x.set.MakeExactTestLD = 0;
+    x.report();
+    ASSERT_EQ(PopGenetics::adj_Dprime.GetItemsInContainer(), 2);
+    EXPECT_GT(PopGenetics::adj_Dprime[0], 0.0);
+    EXPECT_EQ(PopGenetics::adj_Dprime[1], -1.0);
+    EXPECT_EQ(PopGenetics::adj_R2[1], -1.0);
+    ASSERT_EQ(PopGenetics::flank_R2.GetItemsInContainer(), 1);
+    EXPECT_DOUBLE_EQ(PopGenetics::mean_R2[0], (PopGenetics::adj_R2[0] + PopGenetics::flank_R2[0]) / 2.0);
+}
+
 TEST(LinkageReport, MonomorphicPairPrintsNoTable) {
     HaplotypeSample x({{"aA", 7}, {"aB", 2}});
     double sum_r2 = 0.0;

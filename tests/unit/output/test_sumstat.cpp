@@ -1,11 +1,11 @@
-#include "output/sumstat.h"
-
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cmath>
+#include <sstream>
 #include <string>
 
+#include "output/sumstat.h"
 #include "output/sumstat_columns.h"
 #include "support/analysed_project.h"
 #include "support/scratch_directory.h"
@@ -36,8 +36,8 @@ std::vector<SumStatColumn> columns_of(AnalysedProject& analysed, TSumStat const&
 }
 
 TEST(SumStat, EveryKeywordSetsItsOwnFlag) {
-    for (std::string_view const keyword : sum_stat_keywords) {
-        EXPECT_TRUE(choice_of(std::string(keyword)).flag(keyword)) << keyword;
+    for (SumStatKeyword const& keyword : sum_stat_keywords) {
+        EXPECT_TRUE(choice_of(std::string(keyword.word)).flag(keyword.word)) << keyword.word;
     }
     EXPECT_FALSE(choice_of("ALL_K").flag("ALL_H"));
 }
@@ -107,40 +107,100 @@ TEST(SumStat, KeywordsWithoutAPatternMakeNoColumn) {
     }
 }
 
-TEST(SumStat, TitlesAndValuesAgreeForEachKeywordAndForAll) {
-    AnalysedProject analysed(dna_text());
-    std::string all;
-    for (std::string_view const keyword : sum_stat_keywords) {
-        all += std::string(keyword) + "\n";
+/// Lines of the table after one project a text was collected, at the level of groups when `groups`.
+std::vector<std::string> lines_of(TSumStat& choice, std::vector<std::string> const& projects, bool groups,
+                                  std::string* log = nullptr) {
+    ScratchDirectory const directory;
+    choice.set_output("out.txt");
+    for (std::string const& project : projects) {
+        AnalysedProject analysed(project);
+        for (int i = 0; i < analysed.project.samples.NbPopulations(); ++i) {
+            analysed.run(task::standard_indices | task::molecular_diversity, i);
+        }
+        choice.collect({analysed.set, analysed.project.samples}, groups);
+        if (choice.lines() == 0) {
+            choice.outputHeader(DNA);
+        }
+        choice.outputStats(DNA);
+        choice.writeToFile(choice.lines() == 0);
+        if (log != nullptr) {
+            *log += analysed.log();
+        }
     }
-    std::vector<std::string> texts(sum_stat_keywords.begin(), sum_stat_keywords.end());
+    std::istringstream in(directory.read("out.txt"));
+    std::vector<std::string> lines;
+    for (std::string line; std::getline(in, line);) {
+        lines.push_back(line);
+    }
+    return lines;
+}
+
+TEST(SumStat, TitlesAndValuesAgreeForEachKeywordAndForAll) {
+    std::string all;
+    std::vector<std::string> texts;
+    for (SumStatKeyword const& keyword : sum_stat_keywords) {
+        texts.emplace_back(keyword.word);
+        all += texts.back() + "\n";
+    }
     texts.push_back(all);
     for (std::string const& text : texts) {
         TSumStat choice = choice_of(text);
-        choice.collect({analysed.set, analysed.project.samples}, true);
-        choice.outputHeader(DNA);
-        choice.outputStats(DNA);
+        auto const lines = lines_of(choice, {dna_text()}, true);
+        ASSERT_EQ(lines.size(), 2U) << text;
         auto const tabs = [](std::string const& line) { return std::count(line.begin(), line.end(), '\t'); };
-        EXPECT_EQ(tabs(choice.header()), tabs(choice.stats())) << text;
-        EXPECT_TRUE(choice.header().empty() || choice.header().rfind("gr_", 0) == 0) << choice.header();
+        EXPECT_EQ(tabs(lines[0]), tabs(lines[1])) << text;
+        EXPECT_TRUE(lines[0].empty() || lines[0].rfind("gr_", 0) == 0) << lines[0];
     }
 }
 
 TEST(SumStat, TheFileBeginsWithItsHeadAndGoesOnWithLines) {
-    ScratchDirectory const directory;
+    TSumStat choice = choice_of("ALL_K");
+    EXPECT_EQ(lines_of(choice, {dna_text(), dna_text()}, false),
+              (std::vector<std::string>{"K_1\tK_2\t", "2\t3\t", "2\t3\t"}));
+    EXPECT_EQ(choice.lines(), 2);
+}
+
+TEST(SumStat, EveryLineHasTheColumnsOfTheHead) {
+    std::string const one = test::profile_text("DNA", 1) + "[[Samples]]\n" +
+                            test::sample_text("Alone", "4", "h1 3 ACGTACGTAC\nh2 1 ACGTACGTAT\n");
+    std::string const three = dna_text() + test::sample_text("West", "2", "h1 1 ACGTACGTAC\nh4 1 TCTTACGTAC\n");
+    TSumStat choice = choice_of("ALL_K MEAN_K");
+    std::string log;
+    EXPECT_EQ(lines_of(choice, {dna_text(), one, three}, false, &log),
+              (std::vector<std::string>{"K_1\tK_2\tmean_K\t", "2\t3\t2.5\t", "2\t-1\t2\t", "2\t3\t2.3333333\t"}));
+    EXPECT_NE(log.find("Warning: 1 chosen statistics of this project have no column in out.txt"), std::string::npos);
+}
+
+TEST(SumStat, AHeadThatWasNotWrittenIsDroppedWithItsProject) {
     AnalysedProject analysed(dna_text());
     TSumStat choice = choice_of("ALL_K");
-    choice.set_output("out.txt");
-    for (int run = 0; run < 2; ++run) {
-        choice.collect({analysed.set, analysed.project.samples}, false);
-        if (run == 0) {
-            choice.outputHeader(DNA);
-        }
-        choice.outputStats(DNA);
-        choice.writeToFile(run == 0);
+    choice.collect({analysed.set, analysed.project.samples}, true);
+    choice.outputHeader(DNA);
+    choice.outputStats(DNA);
+    choice.drop_line();
+    EXPECT_EQ(lines_of(choice, {dna_text()}, false).front(), "K_1\tK_2\t");
+}
+
+TEST(SumStat, NeighbouringLociHaveAColumnEachWhateverIsPolymorphic) {
+    AnalysedProject analysed(dna_text());
+    auto const columns = columns_of(analysed, choice_of("ALL_ADJ_R2"));
+    ASSERT_EQ(columns.size(), 2U * 9U);
+    EXPECT_EQ(columns.front().title, "adj_R2_1_1");
+    EXPECT_EQ(columns.back().title, "adj_R2_9_2");
+}
+
+TEST(SumStat, AStatisticWhoseTaskIsOffIsMinusOne) {
+    AnalysedProject analysed(dna_text());
+    columns_of(analysed, choice_of("ALL_K"));
+    analysed.set.TaskNumber = task::molecular_diversity;
+    for (SumStatColumn const& column : sum_stat_columns(choice_of("ALL_K ALLSD_K MEAN_K SD_K TOT_K ALL_H"),
+                                                        {analysed.set, analysed.project.samples})) {
+        EXPECT_EQ(column.value, -1.0) << column.title;
     }
-    EXPECT_EQ(directory.read("out.txt"), "K_1\tK_2\t\n2\t3\t\n2\t3\t\n");
-    EXPECT_EQ(choice.lines(), 2);
+    for (SumStatColumn const& column :
+         sum_stat_columns(choice_of("ALL_S ALL_PI"), {analysed.set, analysed.project.samples})) {
+        EXPECT_GT(column.value, 0.0) << column.title;
+    }
 }
 
 }  // namespace
