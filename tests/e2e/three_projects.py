@@ -73,7 +73,7 @@ class Report:
         rows = []
         for line in self.text.split(title, 1)[1].splitlines():
             cells = line.split()
-            if cells and cells[0] == str(len(rows) + 1) and (rows or len(cells) > 1 and "." in cells[1]):
+            if cells and cells[0] == str(len(rows) + 1) and (rows or cells[1:] not in ([], ["2", "3"])):
                 rows.append(cells[1:])
             elif rows:
                 break
