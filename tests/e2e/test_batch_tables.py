@@ -254,7 +254,7 @@ class TablesOfARunList(ThreeProjects):
         printed = []
         for project in ("dna", "mic", "gen"):
             for sample, report in self.documents[project].samples().items():
-                tests = re.findall(r"Pair ?\((\d+), (\d+)\)[^(]*?Exact P= ?(\S+) +\+- +(\S+) \((\d+) ", report.text)
+                tests = re.findall(r"Pair ?\((\d+), (\d+)\)[^(]*?Exact P= *(\S+) +\+- +(\S+) \((\d+) ", report.text)
                 printed += [(project, sample) + test for test in tests]
         self.assertEqual(len(rows), len(printed))
         self.assertGreater(len({row[5] for row in rows}), 8)
