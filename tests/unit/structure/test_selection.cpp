@@ -6,6 +6,7 @@
 #include <fstream>
 #include <sstream>
 
+#include "base/scoped_swap.h"
 #include "structure/formula/selection_p.h"
 #include "structure/loc_by_loc.h"
 #include "structure/selection.h"
@@ -471,9 +472,10 @@ std::vector<long> borrowed_settings(settings const& set) {
             set.DistanceMethodAMOVA};
 }
 
-/// A detection of a few loci of individuals, which is stopped as soon as the observed loci are analysed.
+/// A detection of a few loci of individuals, which is stopped before it starts or as soon as the observed loci are
+/// analysed.
 struct StoppedDetection {
-    explicit StoppedDetection(int loci, int stop) {
+    explicit StoppedDetection(int loci, int stop, bool at_once = false, std::string const& parameters = "") {
         std::string row;
         for (int i = 0; i < loci; ++i) row += " %";
         std::string text =
@@ -498,6 +500,9 @@ struct StoppedDetection {
         set.KeepNullDistrib = 1;
         set.tree_script = "tree.js";
         set.project_dir = "";
+        set.stop = at_once ? 1 : 0;
+        ScopedSwap<std::string> const file(settings::input_file, "p.tvp");
+        if (!parameters.empty()) std::ofstream("simParamFile.txt") << parameters;
         set.set_ofs(&document);
         E.results = &document;
         std::vector<long> const before = borrowed_settings(set);
@@ -508,6 +513,7 @@ struct StoppedDetection {
         actions.print_distance_matrix = [] {};
         detect_selected_loci(project.view, actions, false);
         EXPECT_EQ(borrowed_settings(set), before);
+        EXPECT_EQ(project.analysed.alleles.nb_loci(), loci);
         EXPECT_EQ(&set.ofs(), &document);
         EXPECT_EQ(E.results, &document);
         EXPECT_EQ(set.tree_script, "tree.js");
@@ -537,6 +543,30 @@ TEST(Detection, StoppedAmongTheSimulationsRestoresAllAndPrintsNothing) {
     EXPECT_EQ(detection.document.str(), "");
     EXPECT_EQ(detection.simulated(), 10);
     EXPECT_FALSE(detection.scratch.has("fdist2_ObsOut.txt"));
+}
+
+TEST(Detection, StoppedBeforeItStartsRestoresAllAndAnalysesNothing) {
+    StoppedDetection const detection(3, 0, true);
+    ASSERT_EQ(detection.result, 1);
+    EXPECT_EQ(detection.document.str(), "");
+    EXPECT_FALSE(detection.scratch.has("fdist2_simOut.txt"));
+}
+
+TEST(Detection, StoppedAmongProjectsToMakeRestoresAllAndWritesNoProject) {
+    std::string const parameters = "t\nf\n2\nl\n20\ng\n1\nd\n10\nFSC\n0.1\nFCT\n0.1\n";
+    StoppedDetection const stopped(3, 1, false, parameters);
+    ASSERT_EQ(stopped.result, 1);
+    EXPECT_EQ(stopped.document.str(), "");
+    EXPECT_FALSE(stopped.scratch.has("p_sim1.tvp"));
+}
+
+TEST(Detection, OfProjectsToMakeRestoresAllAndWritesThem) {
+    std::string const parameters = "t\nf\n2\nl\n20\ng\n1\nd\n10\nFSC\n0.1\nFCT\n0.1\n";
+    StoppedDetection const detection(3, 0, false, parameters);
+    EXPECT_EQ(detection.document.str(), "");
+    EXPECT_EQ(detection.scratch.read("sims.tvb"), "p_sim1.tvp\np_sim2.tvp\n");
+    EXPECT_TRUE(detection.scratch.has("p_sim2.tvp"));
+    EXPECT_FALSE(detection.scratch.has("fdist2_simOut.txt"));
 }
 
 TEST(Detection, RunToItsEndRestoresAll) {
