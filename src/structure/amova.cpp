@@ -321,11 +321,8 @@ void Amova::compute_SSDP() {
 }
 
 double Amova::compute_SSDWI() {
-    double sum = 0.0;
-    for (GeneSlice const& slice : slices_) {
-        sum += within_individuals(distances_, std::span(genes_).subspan(slice.begin, slice.end - slice.begin));
-    }
-    return sum;
+    within_individuals_.assign(slices_.size(), 0.0);
+    return individual_sums(distances_, slices_, genes_, within_individuals_);
 }
 
 void Amova::compute_observed_sums(bool individuals) {
@@ -337,20 +334,9 @@ void Amova::compute_observed_sums(bool individuals) {
     }
 }
 
-double Amova::permuted_within_terms() {
-    if (!within_) {
-        within_ = std::make_unique<WithinSums>(distances_, slices_);
-    }
-    within_->compute(genes_, S_);
-    return within_terms(S_, sizes_);
-}
-
-double Amova::permuted_within_individuals() const { return within_individuals(distances_, genes_); }
-
-GroupSums const& Amova::permute_among_groups() {
+void Amova::permute_among_groups() {
     permute_populations(order_, sizes_.group_size[0]);
     group_sums_into(permuted_groups_, sizes_, population_sums_, order_, static_cast<int>(sums_.Nu));
-    return permuted_groups_;
 }
 
 }  // namespace tov

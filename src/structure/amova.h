@@ -12,6 +12,7 @@
 
 #include "model/project_view.h"
 #include "structure/amova_results.h"
+#include "structure/formula/gene_permutations.h"
 #include "structure/formula/gene_vector.h"
 #include "structure/formula/pair_sums.h"
 #include "structure/formula/permutation_p.h"
@@ -99,7 +100,13 @@ public:
     int CalcPairDist();
 
 private:
-    using Statistic = std::function<double()>;
+    /// How a test gets its values from the permuted sums: the within terms W and the sum within individuals I, 0 where
+    /// not asked for. A test that exchanges populations reads the permuted groups in their place.
+    struct Statistic {
+        bool within;
+        IndividualSums individuals;
+        std::function<double(double W, double I)> value;
+    };
 
     // --- Set-up (amova.cpp) ---
     void initialize(AmovaInput input);
@@ -127,9 +134,6 @@ private:
     void compute_observed_sums(bool individuals);
     void compute_SSDP();
     double compute_SSDWI();
-    /// Within terms of the permuted gene vector.
-    double permuted_within_terms();
-    [[nodiscard]] double permuted_within_individuals() const;
 
     // --- Running a design (amova_permute.cpp) ---
     /// Prints and stores `table_`, then runs the tests with one statistic each. @return 1, or 0 when ill defined or
@@ -137,11 +141,18 @@ private:
     int run_design(AmovaDesign const& design, std::vector<Statistic> const& statistics);
     int run_test(AmovaDesign const& design, std::size_t test, Statistic const& statistic);
     void restore_observed(AmovaTest const& test);
-    void count_population_fis();
+    [[nodiscard]] GenePermutations gene_permutations(AmovaTest const& test, Statistic const& statistic);
+    /// Makes room for what the permutations up to the next poll store, so that none of them allocates.
+    void reserve_null_values(AmovaTest const& test);
+    /// Counts the populations whose permuted FIS is at or above the observed one.
+    ///
+    /// @param S            within sums of the permutation.
+    /// @param individuals  sums within individuals, one a population.
+    void count_population_fis(std::span<double const> S, std::span<double const> individuals);
     void observe_population_fis();
     [[nodiscard]] bool poll();
     /// PPAG and the sums of the new groups.
-    GroupSums const& permute_among_groups();
+    void permute_among_groups();
 
     // --- Printing (amova_report.cpp, amova_null.cpp) ---
     void print_table(AmovaDesign const& design);
@@ -172,8 +183,9 @@ private:
     std::vector<int> observed_genes_;       ///< haplotype numbers as the samples hold them
     std::vector<int> genes_;                ///< the vector that is permuted
     std::unique_ptr<WithinSums> within_;
-    std::vector<double> S_;                 ///< undivided within sums of the last vector
+    std::vector<double> S_;                 ///< undivided within sums of the observed vector
     std::vector<double> population_sums_;   ///< lower triangle
+    std::vector<double> within_individuals_;  ///< observed, one a population
     VarianceTable table_;
     std::vector<double> observed_fis_;
     std::vector<int> fis_hits_;             ///< permuted FIS at or above the observed one

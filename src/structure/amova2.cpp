@@ -30,23 +30,14 @@ int Amova::AMOVA_1G_P_I() {
         return run_design(design, {});
     }
     double const a = table_.df[0], b = table_.df[1], c = table_.df[2], n = table_.n;
-    Statistic const vb = [this, b, c] {
-        permute(PermutationScheme::PHAIWP, sizes_, genes_);
-        double const I = compute_SSDWI();
-        double const W = permuted_within_terms();
-        count_population_fis();
-        return 1.0 / (2.0 * b) * (W - I) - 1.0 / (2.0 * c) * I;
-    };
+    Statistic const vb{true, IndividualSums::by_population, [b, c](double W, double I) {
+                           return 1.0 / (2.0 * b) * (W - I) - 1.0 / (2.0 * c) * I;
+                       }};
     // kept on purpose: the second coefficient is half that of the observed Va, so that the test is conservative.
-    Statistic const va = [this, a, b, n] {
-        permute(PermutationScheme::PIAPWG, sizes_, genes_);
-        double const W = permuted_within_terms();
-        return (sums_.total / sizes_.total - W) / (a * n) - (W - sums_.I) / (2.0 * b * n);
-    };
-    Statistic const vc = [this, c] {
-        permute(PermutationScheme::PHAPWG, sizes_, genes_);
-        return 1.0 / c * permuted_within_individuals();
-    };
+    Statistic const va{true, IndividualSums::none, [this, a, b, n](double W, double) {
+                           return (sums_.total / sizes_.total - W) / (a * n) - (W - sums_.I) / (2.0 * b * n);
+                       }};
+    Statistic const vc{false, IndividualSums::whole_vector, [c](double, double I) { return 1.0 / c * I; }};
     return run_design(design, {vb, va, vc});
 }
 

@@ -24,16 +24,13 @@ int Amova::groups_of_haplotypes(PermutationScheme among, PermutationScheme withi
         return run_design(design, {});
     }
     double const b = table_.df[1], c = table_.df[2];
-    Statistic const vc = [this, among, c] {
-        permute(among, sizes_, genes_);
-        return permuted_within_terms() / c;
-    };
-    Statistic const vb = [this, within, b, c] {
-        permute(within, sizes_, genes_);
-        double const W = permuted_within_terms();
-        return (groups_.T - W) / (b * table_.n) - W / (c * table_.n);
-    };
-    Statistic const va = [this] { return va_of_groups_haplotypes(table_, sums_, permute_among_groups()); };
+    Statistic const vc{true, IndividualSums::none, [c](double W, double) { return W / c; }};
+    Statistic const vb{true, IndividualSums::none, [this, b, c](double W, double) {
+                           return (groups_.T - W) / (b * table_.n) - W / (c * table_.n);
+                       }};
+    Statistic const va{false, IndividualSums::none, [this](double, double) {
+                           return va_of_groups_haplotypes(table_, sums_, permuted_groups_);
+                       }};
     return run_design(design, {vc, vb, va});
 }
 

@@ -29,23 +29,16 @@ int Amova::AMOVA_G_P_I() {
         return run_design(design, {});
     }
     double const b = table_.df[1], c = table_.df[2], d = table_.df[3], n = table_.n;
-    Statistic const vd = [this, d] {
-        permute(PermutationScheme::PHAPAG, sizes_, genes_);
-        return 1.0 / d * permuted_within_individuals();
-    };
-    Statistic const vc = [this, c, d] {
-        permute(PermutationScheme::PHAIWP, sizes_, genes_);
-        double const I = compute_SSDWI();
-        double const W = permuted_within_terms();
-        count_population_fis();
-        return -1.0 / (2.0 * d) * I + 1.0 / (2.0 * c) * (W - I);
-    };
-    Statistic const vb = [this, b, c, n] {
-        permute(PermutationScheme::PIAPWG, sizes_, genes_);
-        double const W = permuted_within_terms();
-        return (groups_.T - W) / (b * n) - (W - sums_.I) / (c * n);
-    };
-    Statistic const va = [this] { return va_of_groups_individuals(table_, sizes_, sums_, permute_among_groups()); };
+    Statistic const vd{false, IndividualSums::whole_vector, [d](double, double I) { return 1.0 / d * I; }};
+    Statistic const vc{true, IndividualSums::by_population, [c, d](double W, double I) {
+                           return -1.0 / (2.0 * d) * I + 1.0 / (2.0 * c) * (W - I);
+                       }};
+    Statistic const vb{true, IndividualSums::none, [this, b, c, n](double W, double) {
+                           return (groups_.T - W) / (b * n) - (W - sums_.I) / (c * n);
+                       }};
+    Statistic const va{false, IndividualSums::none, [this](double, double) {
+                           return va_of_groups_individuals(table_, sizes_, sums_, permuted_groups_);
+                       }};
     return run_design(design, {vd, vc, vb, va});
 }
 

@@ -126,16 +126,29 @@ int Amova::run_test(AmovaDesign const& design, std::size_t number, Statistic con
     std::vector<double>& null_values = results_->null_values[test.component];
     local_values_.clear();
     local_orders_.clear();
-    bool const keep_orders = test.populations && view_.set.KeepNullDistrib != 0;
-    PermutationOutcome const outcome = permutation_p<float>(
-        plan_, table_.variance[test.component], test.tail, plan_.permutations, statistic, [this] { return poll(); },
-        [&](double value) {
-            local_values_.push_back(value);
-            null_values.push_back(value);
-            if (keep_orders) {
-                local_orders_.push_back({value, order_});
-            }
-        });
+    auto const keep = [&](double value) {
+        if (!local_orders_.empty()) {
+            FloatsAndPops& kept = local_orders_[local_values_.size()];
+            kept.value = value;
+            std::copy(order_.begin(), order_.end(), kept.pops.begin());
+        }
+        local_values_.push_back(value);
+        null_values.push_back(value);
+    };
+    auto const ask = [&] {
+        reserve_null_values(test);
+        return poll();
+    };
+    auto const run = [&](auto&& permutations) {
+        return permutation_p<float>(plan_, table_.variance[test.component], test.tail, plan_.permutations,
+                                    permutations, ask, keep);
+    };
+    PermutationOutcome const outcome =
+        test.populations ? run(SinglePermutations([&] {
+            permute_among_groups();
+            return statistic.value(0.0, 0.0);
+        }))
+                         : run(gene_permutations(test, statistic));
     if (outcome.stopped) {
         return 0;
     }
@@ -153,22 +166,42 @@ int Amova::run_test(AmovaDesign const& design, std::size_t number, Statistic con
     return written ? 1 : 0;
 }
 
+GenePermutations Amova::gene_permutations(AmovaTest const& test, Statistic const& statistic) {
+    if (statistic.within && !within_) {
+        within_ = std::make_unique<WithinSums>(distances_, slices_, genes_);
+    }
+    return GenePermutations(test.scheme, sizes_, distances_, slices_, statistic.within ? within_.get() : nullptr,
+                            statistic.individuals, genes_, [this, &statistic](PermutedSums const& sums) {
+                                if (statistic.individuals == IndividualSums::by_population) {
+                                    count_population_fis(sums.S, sums.individuals);
+                                }
+                                return statistic.value(sums.W, sums.I);
+                            });
+}
+
+void Amova::reserve_null_values(AmovaTest const& test) {
+    for (std::vector<double>* const values : {&local_values_, &results_->null_values[test.component]}) {
+        if (values->capacity() < values->size() + poll_every) {
+            values->reserve(2 * values->size() + poll_every);
+        }
+    }
+    if (test.populations && view_.set.KeepNullDistrib != 0) {
+        int const done = static_cast<int>(local_values_.size());
+        local_orders_.resize(std::min(done + poll_every, plan_.permutations), {0.0, order_});
+    }
+}
+
 void Amova::observe_population_fis() {
     observed_fis_.clear();
     for (std::size_t p = 0; p < slices_.size(); ++p) {
-        auto const slice = std::span(genes_).subspan(slices_[p].begin, slices_[p].end - slices_[p].begin);
-        observed_fis_.push_back(population_fis(S_[p] / sizes_.copies[p], within_individuals(distances_, slice),
-                                               sizes_.copies[p]));
+        observed_fis_.push_back(population_fis(S_[p] / sizes_.copies[p], within_individuals_[p], sizes_.copies[p]));
     }
     fis_hits_.assign(observed_fis_.size(), 0);
 }
 
-/// Counts the populations whose FIS in the permuted vector is at or above the observed one; S_ holds its sums.
-void Amova::count_population_fis() {
+void Amova::count_population_fis(std::span<double const> S, std::span<double const> individuals) {
     for (std::size_t p = 0; p < fis_hits_.size(); ++p) {
-        auto const slice = std::span<int const>(genes_).subspan(slices_[p].begin, slices_[p].end - slices_[p].begin);
-        double const fis = population_fis(S_[p] / sizes_.copies[p], within_individuals(distances_, slice),
-                                          sizes_.copies[p]);
+        double const fis = population_fis(S[p] / sizes_.copies[p], individuals[p], sizes_.copies[p]);
         if (fis != undefined_fis && fis >= observed_fis_[p]) {
             ++fis_hits_[p];
         }

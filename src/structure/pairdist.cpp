@@ -114,10 +114,9 @@ public:
     End run(int i, int j, std::vector<int> const& first, std::vector<int> const& second,
             PairDistances const& distances) {
         PairSums sums(distances, first, second);
-        std::vector<int> v = sums.genes();
         a_ = static_cast<int>(first.size());
         b_ = static_cast<int>(second.size());
-        PairStatistics const observed = pair_statistics(a_, b_, sums.compute(v, a_));
+        PairStatistics const observed = pair_statistics(a_, b_, sums.compute(sums.genes()));
         if (observed.n == 0.0) {
             return End::no_copies;
         }
@@ -127,7 +126,7 @@ public:
             estimate = divergence_of(observed);
             store(i, j, estimate);
         }
-        return !tasks_.test || test(i, j, sums, v, observed, estimate) ? End::done : End::stopped;
+        return !tasks_.test || test(i, j, sums, observed, estimate) ? End::done : End::stopped;
     }
 
 private:
@@ -150,16 +149,14 @@ private:
         }
     }
 
-    bool test(int i, int j, PairSums& sums, std::vector<int>& v, PairStatistics const& observed,
-              DivergenceEstimate const& estimate) {
+    bool test(int i, int j, PairSums& sums, PairStatistics const& observed, DivergenceEstimate const& estimate) {
         // Hundreds of arrangements may have no solution: the log tells of each, the document keeps its tables.
         ScopedSwap<std::ostream*> const quiet_document(E.results, nullptr);
         double const p1 = 1.0 / observed.n;
         double const p2 = -observed.c / observed.n;
         PairCounts counts;
-        auto const statistic = [&] {
-            shuffle_pair(v, a_, tasks_.individuals);
-            PairStatistics const s = pair_statistics(a_, b_, sums.compute(v, a_));
+        auto const statistic = [&](PairOfSums const& permuted) {
+            PairStatistics const s = pair_statistics(a_, b_, permuted);
             counts.pixy += s.PiXY >= observed.PiXY;
             counts.corrected += s.corrected >= observed.corrected;
             if (tasks_.divergence) {
@@ -167,6 +164,8 @@ private:
             }
             return p2 * s.W + p1 * s.ssd_among;
         };
+        // The solver of divergence times draws too, so its permutations can't be drawn ahead.
+        PairPermutations permutations(sums, a_, tasks_.individuals, !tasks_.divergence, statistic);
         auto const poll = [this] {
             settings::inc_work_done(1.0);
             settings::print_message();
@@ -174,7 +173,8 @@ private:
         };
         // kept on purpose: one more in the denominator than permutations, and the observed value is not counted.
         PermutationOutcome const outcome = permutation_p<double>(
-            r_.plan, observed.Va, PermutationTail::above, r_.plan.permutations + 1, statistic, poll, [](double) {});
+            r_.plan, observed.Va, PermutationTail::above, r_.plan.permutations + 1, permutations, poll,
+            [](double) {});
         if (outcome.stopped) {
             return false;
         }

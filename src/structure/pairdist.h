@@ -10,8 +10,6 @@
 
 namespace tov {
 
-class PairSums;
-
 /// A divergence time estimate that allows for unequal population sizes, with its tests, one matrix a quantity.
 struct DivergenceMatrices {
     explicit DivergenceMatrices(int n) : tau(n), converged(n), p_tau(n), k(n), p_k(n), theta0(n), p_theta0(n) {}

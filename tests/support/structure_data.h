@@ -8,6 +8,7 @@
 #include "base/trimat.h"
 #include "structure/formula/gene_vector.h"
 #include "structure/formula/pair_sums.h"
+#include "structure/formula/within_sums.h"
 
 namespace tov::test {
 

@@ -21,17 +21,22 @@ public:
     [[nodiscard]] bool conventional() const noexcept { return conventional_; }
     /// d(i, i + k) at position k.
     [[nodiscard]] double const* row(int i) const noexcept { return upper_.data() + start_[i]; }
+    /// All rows one behind the other, and where each starts; row n is a single 0. Empty for the 0/1 distance.
+    [[nodiscard]] std::span<double const> upper() const noexcept { return upper_; }
+    [[nodiscard]] std::span<std::size_t const> row_starts() const noexcept { return start_; }
+    /// No distance is infinite or undefined.
+    [[nodiscard]] bool finite() const noexcept;
+    /// All distances are whole, the diagonal is 0, and a sum over pairs of `copies` gene copies stays below 2^24, so
+    /// that single precision holds it exactly.
+    [[nodiscard]] bool sums_are_whole(double copies) const noexcept;
     /// Any pair; the number n is at distance 0 of everything.
     [[nodiscard]] double at(int i, int j) const noexcept {
-        if (i > j) {
-            int const k = i;
-            i = j;
-            j = k;
-        }
-        if (j >= n_) {
+        int const first = i < j ? i : j;
+        int const last = i < j ? j : i;
+        if (last >= n_) {
             return 0.0;
         }
-        return conventional_ ? (i == j ? 0.0 : 1.0) : row(i)[j - i];
+        return conventional_ ? (first == last ? 0.0 : 1.0) : row(first)[last - first];
     }
 
 private:
@@ -51,38 +56,6 @@ struct GeneSlice {
 ///
 /// @param length  entries of the gene vector; no slice reaches beyond.
 [[nodiscard]] std::vector<GeneSlice> gene_slices(std::span<double const> copies, int length);
-
-/// Undivided sums within populations, for one gene vector after the other.
-///
-/// S[p] = sum over haplotypes i present, ascending, of 0.5 f_i (f_i - 1) d(i,i) + sum over later j of f_i f_j d(i,j).
-/// The additions of a population come in this order on every path, so that all give the same digits.
-/// Cost: linear in the copies for the 0/1 distance, else quadratic in the haplotypes present. No allocation.
-class WithinSums {
-public:
-    WithinSums(PairDistances const& distances, std::vector<GeneSlice> slices);
-
-    [[nodiscard]] int populations() const noexcept { return static_cast<int>(slices_.size()); }
-    /// @param genes  haplotype numbers, 0 .. size() of the distances.
-    /// @param sums   receives S[p], one a population.
-    void compute(std::span<int const> genes, std::span<double> sums);
-
-private:
-    void by_equal_pairs(std::span<int const> genes, std::span<double> sums);
-    void by_all_haplotypes(std::span<int const> genes, std::span<double> sums);
-    void by_all_haplotypes_whole(std::span<int const> genes, std::span<double> sums);
-    void by_present_haplotypes(std::span<int const> genes, std::span<double> sums);
-
-    PairDistances const* distances_;  // borrowed
-    std::vector<GeneSlice> slices_;
-    bool dense_ = false;
-    bool whole_ = false;           ///< dense, and all sums are whole numbers that single precision holds
-    int lanes_ = 0;                ///< populations rounded up to whole tiles
-    std::vector<double> counts_;   ///< dense: haplotype by population; else one population's counts
-    std::vector<float> whole_counts_, whole_distances_;  ///< the same of the whole form; rows as in PairDistances
-    std::vector<int> tally_;       ///< 0/1 distance: counts of one population
-    std::vector<int> present_;     ///< haplotypes present, ascending
-    std::vector<double> present_counts_;
-};
 
 /// Sum over pairs of one copy of each slice: sum over i of f_i g_j d(i,j), both ascending.
 [[nodiscard]] double among_sum(PairDistances const& distances, std::span<int const> a, std::span<int const> b);

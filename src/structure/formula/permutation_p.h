@@ -2,7 +2,9 @@
 /// of the distances between populations.
 #pragma once
 
+#include <algorithm>
 #include <cmath>
+#include <utility>
 #include <vector>
 
 namespace tov {
@@ -67,32 +69,63 @@ private:
     int batch_ = 0;
 };
 
-/// The test: `statistic()` permutes and gives the next value; `poll()` is asked at permutations 0, 100, 200, ... and
-/// stops the test by true; `keep(value)` receives each value.
-template <class Real, class Statistic, class Poll, class Keep>
+/// Permutations between two questions whether to stop.
+inline constexpr int poll_every = 100;
+
+/// The test: `source` gives the values of the permutations, `poll()` is asked at permutations 0, 100, 200, ... and stops
+/// the test by true, `keep(value)` receives each value.
+///
+/// A source draws a block of permutations first, in their order, and evaluates them together: `block()` is the most that
+/// it takes, `draw()` makes the next one and takes in what its value needs, `evaluate()` closes the block, `value(k)` is
+/// that of its k-th permutation. No block crosses a question: a test that stops there has drawn what a test of single
+/// permutations would have.
+template <class Real, class Source, class Poll, class Keep>
 PermutationOutcome permutation_p(PermutationPlan const& plan, double observed, PermutationTail tail, int denominator,
-                                 Statistic&& statistic, Poll&& poll, Keep&& keep) {
+                                 Source&& source, Poll&& poll, Keep&& keep) {
     PermutationOutcome outcome;
     BatchCounter<Real> batches(plan);
-    for (int k = 0; k < plan.permutations; ++k) {
-        if (k % 100 == 0 && poll()) {
+    for (int done = 0; done < plan.permutations;) {
+        if (done % poll_every == 0 && poll()) {
             outcome.stopped = true;
             return outcome;
         }
-        batches.next();
-        double const value = statistic();
-        if (std::fabs(value - observed) < permutation_tolerance) {
-            ++outcome.equal;
-            batches.hit();
-        } else if (tail == PermutationTail::above ? value > observed : value < observed) {
-            ++outcome.beyond;
-            batches.hit();
+        int const block = std::min({source.block(), plan.permutations - done, poll_every - done % poll_every});
+        for (int k = 0; k < block; ++k) {
+            source.draw();
         }
-        keep(value);
+        source.evaluate();
+        for (int k = 0; k < block; ++k) {
+            batches.next();
+            double const value = source.value(k);
+            if (std::fabs(value - observed) < permutation_tolerance) {
+                ++outcome.equal;
+                batches.hit();
+            } else if (tail == PermutationTail::above ? value > observed : value < observed) {
+                ++outcome.beyond;
+                batches.hit();
+            }
+            keep(value);
+        }
+        done += block;
     }
     outcome.p = (outcome.beyond + outcome.equal) / static_cast<double>(denominator);
     outcome.sd = batches.sd(outcome.p);
     return outcome;
 }
+
+/// A source whose values come one by one: `draw` permutes and gives the value.
+template <class Draw>
+class SinglePermutations {
+public:
+    explicit SinglePermutations(Draw draw) : draw_(std::move(draw)) {}
+    [[nodiscard]] int block() const noexcept { return 1; }
+    void draw() { value_ = draw_(); }
+    void evaluate() const noexcept {}
+    [[nodiscard]] double value(int) const noexcept { return value_; }
+
+private:
+    Draw draw_;
+    double value_ = 0.0;
+};
 
 }  // namespace tov

@@ -414,7 +414,8 @@ TEST(PermutationTest, ValuesWithinTheToleranceAreEqualInBothDirections) {
         std::vector<double> const values{0.9e-10 * sign, -0.9e-10 * sign, 1.1e-10 * sign, -1.1e-10 * sign, 0.0, sign};
         std::size_t at = 0;
         PermutationOutcome const outcome = permutation_p<float>(
-            plan, 0.0, tail, plan.permutations, [&] { return values[at++]; }, [] { return false; }, [](double) {});
+            plan, 0.0, tail, plan.permutations, SinglePermutations([&] { return values[at++]; }), [] { return false; },
+            [](double) {});
         ASSERT_EQ(at, values.size());
         EXPECT_EQ(outcome.equal, 3);
         EXPECT_EQ(outcome.beyond, 2);
@@ -428,8 +429,8 @@ TEST(PermutationTest, DeviationComesFromTheBatchesInTurn) {
     ASSERT_EQ(plan.batches, 2);
     int k = 0;
     PermutationOutcome const outcome = permutation_p<float>(
-        plan, 0.0, PermutationTail::above, plan.permutations, [&] { return ++k % 2 == 1 ? 1.0 : -1.0; },
-        [] { return false; }, [](double) {});
+        plan, 0.0, PermutationTail::above, plan.permutations,
+        SinglePermutations([&] { return ++k % 2 == 1 ? 1.0 : -1.0; }), [] { return false; }, [](double) {});
     EXPECT_DOUBLE_EQ(outcome.p, 0.5);
     EXPECT_DOUBLE_EQ(outcome.sd, 0.5);  // sqrt((0.25 + 0.25) / 2)
 }

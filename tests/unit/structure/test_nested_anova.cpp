@@ -180,7 +180,7 @@ Observed observe(RandomData const& data, bool individuals, Distance distance) {
     auto const slices = gene_slices(data.copies, static_cast<int>(data.alleles.size()));
     auto const triangle = population_sums(distances, slices, data.alleles);
     std::vector<double> S(data.copies.size());
-    WithinSums(distances, slices).compute(data.alleles, S);
+    WithinSums(distances, slices, data.alleles).compute(data.alleles, S);
     std::vector<int> order(data.copies.size());
     for (std::size_t p = 0; p < order.size(); ++p) {
         order[p] = static_cast<int>(p);

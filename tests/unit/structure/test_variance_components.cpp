@@ -25,7 +25,7 @@ struct Bench {
         distances = PairDistances(data.matrix, data.matrix.dimension());
         sizes = StructureSizes(data.copies, std::move(groups));
         slices = gene_slices(data.copies, static_cast<int>(data.genes.size()));
-        within = std::make_unique<WithinSums>(distances, slices);
+        within = std::make_unique<WithinSums>(distances, slices, data.genes);
         triangle = population_sums(distances, slices, data.genes);
         S.resize(data.copies.size());
         genes = data.genes;
@@ -56,8 +56,8 @@ struct Bench {
 
     PermutationOutcome test(double observed, PermutationTail tail, std::function<double()> const& statistic) {
         PermutationPlan const plan(100);
-        return permutation_p<float>(plan, observed, tail, plan.permutations, statistic, [] { return false; },
-                                    [](double) {});
+        return permutation_p<float>(plan, observed, tail, plan.permutations, SinglePermutations(statistic),
+                                    [] { return false; }, [](double) {});
     }
 
     StructureData data;
@@ -318,8 +318,8 @@ struct PairExpectation {
     int count;
 };
 
-void check_pairs(StructureData const& data, bool individuals, std::vector<PairExpectation> const& pairs,
-                 double next_draw) {
+void check_pairs_drawn(StructureData const& data, bool individuals, bool ahead,
+                       std::vector<PairExpectation> const& pairs, double next_draw) {
     PairDistances const d(data.matrix, data.matrix.dimension());
     auto const slices = gene_slices(data.copies, static_cast<int>(data.genes.size()));
     auto const of = [&](int p) {
@@ -329,24 +329,21 @@ void check_pairs(StructureData const& data, bool individuals, std::vector<PairEx
     seed_one();
     for (PairExpectation const& e : pairs) {
         PairSums sums(d, of(e.i), of(e.j));
-        std::vector<int> v = sums.genes();
         int const a = static_cast<int>(of(e.i).size()), b = static_cast<int>(of(e.j).size());
-        PairStatistics const s = pair_statistics(a, b, sums.compute(v, a));
+        PairStatistics const s = pair_statistics(a, b, sums.compute(sums.genes()));
         EXPECT_NEAR(s.FST, e.fst, ten_digits);
         EXPECT_NEAR(s.Va, e.va, ten_digits);
         EXPECT_NEAR(s.PiXY, e.pixy, ten_digits);
         EXPECT_NEAR(s.corrected, e.corrected, ten_digits);
         int pixy = 0, corrected = 0;
-        auto const outcome = permutation_p<double>(
-            plan, s.Va, PermutationTail::above, plan.permutations + 1,
-            [&] {
-                shuffle_pair(v, a, individuals);
-                PairStatistics const r = pair_statistics(a, b, sums.compute(v, a));
-                pixy += r.PiXY >= s.PiXY;
-                corrected += r.corrected >= s.corrected;
-                return -s.c / s.n * r.W + 1.0 / s.n * r.ssd_among;
-            },
-            [] { return false; }, [](double) {});
+        PairPermutations permutations(sums, a, individuals, ahead, [&](PairOfSums const& permuted) {
+            PairStatistics const r = pair_statistics(a, b, permuted);
+            pixy += r.PiXY >= s.PiXY;
+            corrected += r.corrected >= s.corrected;
+            return -s.c / s.n * r.W + 1.0 / s.n * r.ssd_among;
+        });
+        auto const outcome = permutation_p<double>(plan, s.Va, PermutationTail::above, plan.permutations + 1, permutations,
+                                                   [] { return false; }, [](double) {});
         EXPECT_EQ(outcome.beyond + outcome.equal, e.count);
         EXPECT_NEAR(outcome.p, e.p, 1e-10);
         EXPECT_NEAR(outcome.sd, e.sd, ten_digits);
@@ -354,6 +351,13 @@ void check_pairs(StructureData const& data, bool individuals, std::vector<PairEx
         EXPECT_NEAR(corrected / 110.0, e.p_corrected, ten_digits);
     }
     EXPECT_NEAR(uniform(), next_draw, 1e-12);
+}
+
+void check_pairs(StructureData const& data, bool individuals, std::vector<PairExpectation> const& pairs,
+                 double next_draw) {
+    for (bool const ahead : {false, true}) {
+        check_pairs_drawn(data, individuals, ahead, pairs, next_draw);
+    }
 }
 
 }  // namespace
