@@ -148,24 +148,6 @@ SiteClass nucleotide_pair_class(char a, char b) noexcept {
         .classes[class_table.code[static_cast<unsigned char>(a)]][class_table.code[static_cast<unsigned char>(b)]];
 }
 
-void PairCounts::add(PairCounts const& o, int times) noexcept {
-    equal += times * o.equal;
-    equal_gap += times * o.equal_gap;
-    transitions += times * o.transitions;
-    transversions += times * o.transversions;
-    deletions += times * o.deletions;
-    ambiguous += times * o.ambiguous;
-    unclassified += times * o.unclassified;
-    uncorrectable += times * o.uncorrectable;
-    uncorrectable_known += times * o.uncorrectable_known;
-    ag += times * o.ag;
-    ct += times * o.ct;
-    ac += times * o.ac;
-    at += times * o.at;
-    cg += times * o.cg;
-    gt += times * o.gt;
-}
-
 void add_site(PairCounts& c, char a, char b, char missing) noexcept {
     if (a == b) {
         if (a != missing) {

@@ -50,9 +50,6 @@ struct PairCounts {
     int cg = 0;
     int gt = 0;
 
-    /// Adds `times` the counts of another.
-    void add(PairCounts const& o, int times) noexcept;
-
     friend bool operator==(PairCounts const&, PairCounts const&) = default;
 };
 

@@ -54,6 +54,31 @@ constexpr std::size_t fold_every = 31;
 /// Sites of restriction haplotypes that are compared together; rows are filled up with missing data.
 constexpr std::size_t rflp_block = 64;
 
+/// The counts that share a word, a byte each; the first one has the lowest byte.
+using CountList = std::array<int PairCounts::*, 8>;
+constexpr CountList often_counted = {&PairCounts::equal,        &PairCounts::transversions,
+                                     &PairCounts::deletions,    &PairCounts::ambiguous,
+                                     &PairCounts::unclassified, &PairCounts::uncorrectable,
+                                     &PairCounts::transitions,  &PairCounts::uncorrectable_known};
+constexpr CountList seldom_counted = {&PairCounts::equal_gap, &PairCounts::ag, &PairCounts::ct, &PairCounts::ac,
+                                      &PairCounts::at,        &PairCounts::cg, &PairCounts::gt, nullptr};
+
+Word in_bytes(PairCounts const& c, CountList const& list) noexcept {
+    Word bytes = 0;
+    for (std::size_t k = 0; k < list.size(); ++k) {
+        bytes |= list[k] != nullptr ? static_cast<Word>(c.*list[k]) << (8 * k) : 0;
+    }
+    return bytes;
+}
+
+[[gnu::always_inline]] inline void add_bytes(PairCounts& c, Word bytes, CountList const& list) noexcept {
+    for (std::size_t k = 0; k < list.size(); ++k) {
+        if (list[k] != nullptr) {
+            c.*list[k] += static_cast<int>((bytes >> (8 * k)) & 0xff);
+        }
+    }
+}
+
 int base_code(char c) noexcept {
     switch (c) {
         case 'A':
@@ -79,6 +104,12 @@ bool unclassified_against_bases(char missing) noexcept {
     }
     return base_code(missing) < 0 && missing != '-';
 }
+
+/// What a character is, as flags; bases have their code in the lowest two.
+enum Kind : unsigned { low_code = 1, high_code = 2, base_kind = 4, gap_kind = 8, absent_kind = 16, other_kind = 32 };
+
+/// A word of all ones if the condition holds, otherwise of zeros.
+constexpr Word all_if(bool condition) noexcept { return condition ? ~Word{0} : Word{0}; }
 
 std::vector<std::size_t> usable_sites(std::span<std::string_view const> sequences, std::span<int const> usable) {
     std::size_t longest = 0;
@@ -121,7 +152,12 @@ WordCount fastest_word_count() noexcept {
 
 NucleotidePlanes::NucleotidePlanes(std::span<std::string_view const> sequences, std::span<int const> usable,
                                    char missing, WordCount how)
-    : missing_(missing), how_(how), missing_has_plane_(unclassified_against_bases(missing)), traits_(sequences.size()) {
+    : missing_(missing),
+      how_(how),
+      missing_has_plane_(unclassified_against_bases(missing)),
+      gap_absent_deleted_(all_if(nucleotide_pair_class('-', missing) == SiteClass::deletion)),
+      absent_gap_deleted_(all_if(nucleotide_pair_class(missing, '-') == SiteClass::deletion)),
+      traits_(sequences.size()) {
     std::vector<std::size_t> sites = usable_sites(sequences, usable);
     if (!sites.empty()) {
         std::vector<char> const varies = varying_sites(sequences, sites.back() + 1);
@@ -132,104 +168,130 @@ NucleotidePlanes::NucleotidePlanes(std::span<std::string_view const> sequences, 
         constant_sites_ = static_cast<int>(std::erase_if(sites, constant));
     }
     nb_words_ = (sites.size() + 63) / 64;
-    words_.assign(sequences.size() * nb_planes * nb_words_, 0);
+    codes_.resize(sequences.size() * nb_words_);
+    marks_.resize(sequences.size() * nb_words_);
+    std::array<unsigned, 256> kinds;
+    for (std::size_t c = 0; c < kinds.size(); ++c) {
+        kinds[c] = kind_of(static_cast<char>(c));
+    }
     for (std::size_t i = 0; i < sequences.size(); ++i) {
-        std::size_t k = 0;
-        for (; k < sites.size() && sites[k] < sequences[i].size(); ++k) {
-            set(i, k, sequences[i][sites[k]]);
-        }
-        traits_[i].sites = static_cast<int>(k);
+        pack(i, sequences[i], sites, kinds);
     }
     if (std::any_of(traits_.begin(), traits_.end(), [](Traits const& t) { return t.others; })) {
-        number_characters(sequences, sites);
+        list_others(sequences, sites, kinds);
+        tabulate_others();
     }
 }
 
-void NucleotidePlanes::number_characters(std::span<std::string_view const> sequences,
-                                         std::span<std::size_t const> sites) {
-    std::array<std::uint16_t, 256> number_of{};
-    std::vector<char> characters = {'\0'};  // number 0 stands behind the end of a sequence
-    numbers_.assign(sequences.size() * nb_words_ * 64, 0);
+unsigned NucleotidePlanes::kind_of(char c) const noexcept {
+    if (c == '-') {
+        return gap_kind;
+    }
+    if (c == missing_) {
+        return missing_has_plane_ ? absent_kind : other_kind;
+    }
+    int const code = base_code(c);
+    return code < 0 ? other_kind : base_kind + static_cast<unsigned>(code);
+}
+
+void NucleotidePlanes::pack(std::size_t i, std::string_view sequence, std::span<std::size_t const> sites,
+                            std::span<unsigned const, 256> kinds) {
+    auto const n = static_cast<std::size_t>(std::lower_bound(sites.begin(), sites.end(), sequence.size()) -
+                                            sites.begin());
+    unsigned met = 0;
+    for (std::size_t start = 0; start < n; start += 64) {
+        Codes c;
+        Marks m;
+        for (std::size_t k = std::min(start + 64, n); k-- > start;) {  // the last site comes to stand highest
+            unsigned const kind = kinds[static_cast<unsigned char>(sequence[sites[k]])];
+            auto const append = [kind](Word& w, Kind flag) { w = 2 * w + ((kind & flag) != 0); };
+            append(c.low, low_code);
+            append(c.high, high_code);
+            append(m.base, base_kind);
+            append(m.gap, gap_kind);
+            append(m.absent, absent_kind);
+            met |= kind;
+        }
+        codes_[i * nb_words_ + start / 64] = c;
+        marks_[i * nb_words_ + start / 64] = m;
+    }
+    traits_[i] = {static_cast<int>(n), (met & (gap_kind | absent_kind | other_kind)) == 0, (met & other_kind) != 0};
+}
+
+void NucleotidePlanes::list_others(std::span<std::string_view const> sequences, std::span<std::size_t const> sites,
+                                   std::span<unsigned const, 256> kinds) {
+    characters_.resize(sequences.size() * nb_words_ * 64);
+    other_begin_.assign(1, 0);
     for (std::size_t i = 0; i < sequences.size(); ++i) {
-        for (std::size_t k = 0; k < sites.size() && sites[k] < sequences[i].size(); ++k) {
-            char const c = sequences[i][sites[k]];
-            std::uint16_t& number = number_of[static_cast<unsigned char>(c)];
-            if (number == 0) {
-                number = static_cast<std::uint16_t>(characters.size());
-                characters.push_back(c);
-            }
-            numbers_[i * nb_words_ * 64 + k] = number;
-        }
-    }
-    nb_numbers_ = characters.size();
-    kinds_.assign(nb_numbers_ * nb_numbers_, 0);
-    kind_counts_.assign(1, PairCounts{});
-    for (std::size_t a = 1; a < nb_numbers_; ++a) {
-        for (std::size_t b = 1; b < nb_numbers_; ++b) {
-            PairCounts one;
-            add_site(one, characters[a], characters[b], missing_);
-            auto const known = std::find(kind_counts_.begin(), kind_counts_.end(), one);
-            kinds_[a * nb_numbers_ + b] = static_cast<unsigned char>(known - kind_counts_.begin());
-            if (known == kind_counts_.end()) {
-                kind_counts_.push_back(one);
+        unsigned char* const characters = characters_.data() + i * nb_words_ * 64;
+        for (std::size_t k = 0; k < static_cast<std::size_t>(traits_[i].sites); ++k) {
+            characters[k] = static_cast<unsigned char>(sequences[i][sites[k]]);
+            if (kinds[characters[k]] == other_kind) {
+                other_sites_.push_back({static_cast<std::uint32_t>(k), row_of_other(sequences[i][sites[k]])});
             }
         }
+        other_begin_.push_back(other_sites_.size());
     }
 }
 
-void NucleotidePlanes::set(std::size_t i, std::size_t site, char c) {
-    Word* const row = words_.data() + i * nb_planes * nb_words_ + site / 64;
-    Word const bit = Word{1} << (site % 64);
-    int const code = c == missing_ && !missing_has_plane_ ? -1 : base_code(c);
-    if (code >= 0) {
-        row[low * nb_words_] |= (code & 1) != 0 ? bit : 0;
-        row[high * nb_words_] |= (code & 2) != 0 ? bit : 0;
-        row[base * nb_words_] |= bit;
-    } else if (c == '-') {
-        row[gap * nb_words_] |= bit;
-        traits_[i].gaps = true;
-    } else if (c == missing_ && missing_has_plane_) {
-        row[absent * nb_words_] |= bit;
-        traits_[i].missing = true;
-    } else {
-        row[other * nb_words_] |= bit;
-        traits_[i].others = true;
+std::uint32_t NucleotidePlanes::row_of_other(char c) {
+    std::size_t const known = others_.find(c);
+    if (known == std::string::npos) {
+        others_ += c;
+    }
+    return static_cast<std::uint32_t>(256 * std::min(known, others_.size() - 1));
+}
+
+void NucleotidePlanes::tabulate_others() {
+    as_first_.resize(256 * others_.size());
+    as_second_.resize(256 * others_.size());
+    auto const counts_of = [this](char a, char b) {
+        PairCounts one;
+        add_site(one, a, b, missing_);
+        return ByteCounts{in_bytes(one, often_counted), in_bytes(one, seldom_counted)};
+    };
+    for (std::size_t row = 0; row < others_.size(); ++row) {
+        for (std::size_t c = 0; c < 256; ++c) {
+            char const any = static_cast<char>(c);
+            as_first_[256 * row + c] = counts_of(others_[row], any);
+            if (kind_of(any) != other_kind) {
+                as_second_[256 * row + c] = counts_of(any, others_[row]);
+            }
+        }
     }
 }
 
 /// Sites with bases in both sequences.
 template <class Counter>
 void NucleotidePlanes::add_bases(std::size_t i, std::size_t j, PairCounts& c) const noexcept {
-    Word const* const low_i = plane(i, low);
-    Word const* const low_j = plane(j, low);
-    Word const* const high_i = plane(i, high);
-    Word const* const high_j = plane(j, high);
+    Codes const* const a = codes(i);
+    Codes const* const b = codes(j);
     Counter ts;
     Counter tv;
-    if (pure(i) && pure(j) && traits_[i].sites == traits_[j].sites) {
+    if (traits_[i].pure && traits_[j].pure && traits_[i].sites == traits_[j].sites) {
         for (std::size_t start = 0; start < nb_words_; start += fold_every) {
             std::size_t const end = std::min(nb_words_, start + fold_every);
             for (std::size_t k = start; k < end; ++k) {
-                Word const d1 = high_i[k] ^ high_j[k];
+                Word const d1 = a[k].high ^ b[k].high;
                 tv.add(d1);
-                ts.add((low_i[k] ^ low_j[k]) & ~d1);
+                ts.add((a[k].low ^ b[k].low) & ~d1);
             }
             tv.fold();
             ts.fold();
         }
         c.equal = traits_[i].sites - ts.total() - tv.total();
     } else {
-        Word const* const base_i = plane(i, base);
-        Word const* const base_j = plane(j, base);
+        Marks const* const at_i = marks(i);
+        Marks const* const at_j = marks(j);
         Counter both;
         for (std::size_t start = 0; start < nb_words_; start += fold_every) {
             std::size_t const end = std::min(nb_words_, start + fold_every);
             for (std::size_t k = start; k < end; ++k) {
-                Word const m = base_i[k] & base_j[k];
-                Word const d1 = (high_i[k] ^ high_j[k]) & m;
+                Word const m = at_i[k].base & at_j[k].base;
+                Word const d1 = (a[k].high ^ b[k].high) & m;
                 both.add(m);
                 tv.add(d1);
-                ts.add((low_i[k] ^ low_j[k]) & m & ~d1);
+                ts.add((a[k].low ^ b[k].low) & m & ~d1);
             }
             both.fold();
             tv.fold();
@@ -244,75 +306,72 @@ void NucleotidePlanes::add_bases(std::size_t i, std::size_t j, PairCounts& c) co
 /// Sites with '-' or missing data in one sequence or both.
 template <class Counter>
 void NucleotidePlanes::add_special_sites(std::size_t i, std::size_t j, PairCounts& c) const noexcept {
-    Word const* const base_i = plane(i, base);
-    Word const* const base_j = plane(j, base);
-    Word const* const gap_i = plane(i, gap);
-    Word const* const gap_j = plane(j, gap);
-    Word const* const absent_i = plane(i, absent);
-    Word const* const absent_j = plane(j, absent);
+    Marks const* const a = marks(i);
+    Marks const* const b = marks(j);
     Counter gaps;
-    Counter gap_base;
-    Counter gap_absent;
-    Counter absent_gap;
-    Counter base_absent;
-    bool const with_gaps = traits_[i].gaps || traits_[j].gaps;
-    bool const with_missing = traits_[i].missing || traits_[j].missing;
+    Counter deletions;
+    Counter unlike;  // different, and not both bases
     for (std::size_t start = 0; start < nb_words_; start += fold_every) {
         std::size_t const end = std::min(nb_words_, start + fold_every);
-        for (std::size_t k = start; with_gaps && k < end; ++k) {
-            gaps.add(gap_i[k] & gap_j[k]);
-            gap_base.add((gap_i[k] & base_j[k]) | (base_i[k] & gap_j[k]));
-        }
-        for (std::size_t k = start; with_missing && k < end; ++k) {
-            base_absent.add((base_i[k] & absent_j[k]) | (absent_i[k] & base_j[k]));
-        }
-        for (std::size_t k = start; with_gaps && with_missing && k < end; ++k) {
-            gap_absent.add(gap_i[k] & absent_j[k]);
-            absent_gap.add(absent_i[k] & gap_j[k]);
+        for (std::size_t k = start; k < end; ++k) {
+            Word const one_base = a[k].base ^ b[k].base;
+            Word const gap_base = one_base & (a[k].gap | b[k].gap);
+            Word const base_absent = one_base & (a[k].absent | b[k].absent);
+            Word const gap_absent = a[k].gap & b[k].absent;
+            Word const absent_gap = a[k].absent & b[k].gap;
+            gaps.add(a[k].gap & b[k].gap);
+            deletions.add(gap_base | (gap_absent & gap_absent_deleted_) | (absent_gap & absent_gap_deleted_));
+            unlike.add(gap_base | base_absent | gap_absent | absent_gap);
         }
         gaps.fold();
-        gap_base.fold();
-        base_absent.fold();
-        gap_absent.fold();
-        absent_gap.fold();
+        deletions.fold();
+        unlike.fold();
     }
-    bool const gap_is_missing = missing_ == '-';
-    c.equal_gap += gap_is_missing ? 0 : gaps.total();
-    c.deletions += gap_base.total();
-    c.uncorrectable += gap_is_missing ? 0 : gap_base.total();
-    (nucleotide_pair_class('-', missing_) == SiteClass::deletion ? c.deletions : c.unclassified) += gap_absent.total();
-    (nucleotide_pair_class(missing_, '-') == SiteClass::deletion ? c.deletions : c.unclassified) += absent_gap.total();
-    c.unclassified += base_absent.total();
-    c.uncorrectable += gap_absent.total() + absent_gap.total() + base_absent.total();
+    c.deletions += deletions.total();
+    c.unclassified += unlike.total() - deletions.total();
+    if (missing_ != '-') {
+        c.equal_gap += gaps.total();
+        c.uncorrectable += unlike.total();
+    }
+}
+
+std::span<NucleotidePlanes::OtherSite const> NucleotidePlanes::other_sites(std::size_t i, int end) const noexcept {
+    OtherSite const* const first = other_sites_.data() + other_begin_[i];
+    OtherSite const* last = other_sites_.data() + other_begin_[i + 1];
+    while (last != first && last[-1].site >= static_cast<std::uint32_t>(end)) {
+        --last;
+    }
+    return {first, last};
 }
 
 void NucleotidePlanes::add_other_sites(std::size_t i, std::size_t j, PairCounts& c) const noexcept {
-    Word const* const other_i = plane(i, other);
-    Word const* const other_j = plane(j, other);
-    std::uint16_t const* const numbers_i = numbers_.data() + i * nb_words_ * 64;
-    std::uint16_t const* const numbers_j = numbers_.data() + j * nb_words_ * 64;
-    std::array<int, 64> sites_of_kind{};
-    for (std::size_t k = 0; k < nb_words_; ++k) {
-        for (Word left = other_i[k] | other_j[k]; left != 0; left &= left - 1) {
-            std::size_t const site = k * 64 + static_cast<std::size_t>(std::countr_zero(left));
-            ++sites_of_kind[kinds_[numbers_i[site] * nb_numbers_ + numbers_j[site]]];
+    constexpr std::size_t at_once = 127;  // of both lists, so that no byte overflows
+    int const end = std::min(traits_[i].sites, traits_[j].sites);
+    std::span<OtherSite const> const of_i = other_sites(i, end);
+    std::span<OtherSite const> const of_j = other_sites(j, end);
+    unsigned char const* const characters_i = characters(i);
+    unsigned char const* const characters_j = characters(j);
+    for (std::size_t start = 0; start < std::max(of_i.size(), of_j.size()); start += at_once) {
+        ByteCounts sum;
+        for (std::size_t k = start; k < std::min(start + at_once, of_i.size()); ++k) {
+            sum.add(as_first_[of_i[k].row + characters_j[of_i[k].site]]);
         }
-    }
-    for (std::size_t kind = 1; kind < kind_counts_.size(); ++kind) {
-        if (sites_of_kind[kind] != 0) {
-            c.add(kind_counts_[kind], sites_of_kind[kind]);
+        for (std::size_t k = start; k < std::min(start + at_once, of_j.size()); ++k) {
+            sum.add(as_second_[of_j[k].row + characters_i[of_j[k].site]]);
+        }
+        add_bytes(c, sum.often, often_counted);
+        if (sum.seldom != 0) {
+            add_bytes(c, sum.seldom, seldom_counted);
         }
     }
 }
 
 template <class Counter>
 void NucleotidePlanes::add_base_pairs(std::size_t i, std::size_t j, PairCounts& c) const noexcept {
-    Word const* const low_i = plane(i, low);
-    Word const* const low_j = plane(j, low);
-    Word const* const high_i = plane(i, high);
-    Word const* const high_j = plane(j, high);
-    Word const* const base_i = plane(i, base);
-    Word const* const base_j = plane(j, base);
+    Codes const* const a = codes(i);
+    Codes const* const b = codes(j);
+    Marks const* const at_i = marks(i);
+    Marks const* const at_j = marks(j);
     Counter ag;
     Counter ac;
     Counter at;
@@ -320,11 +379,11 @@ void NucleotidePlanes::add_base_pairs(std::size_t i, std::size_t j, PairCounts& 
     for (std::size_t start = 0; start < nb_words_; start += fold_every) {
         std::size_t const end = std::min(nb_words_, start + fold_every);
         for (std::size_t k = start; k < end; ++k) {
-            Word const m = base_i[k] & base_j[k];
-            Word const d0 = low_i[k] ^ low_j[k];
-            Word const d1 = (high_i[k] ^ high_j[k]) & m;
-            Word const purine_is_g = (low_i[k] & ~high_i[k]) | (low_j[k] & ~high_j[k]);
-            ag.add(d0 & m & ~d1 & ~high_i[k]);
+            Word const m = at_i[k].base & at_j[k].base;
+            Word const d0 = a[k].low ^ b[k].low;
+            Word const d1 = (a[k].high ^ b[k].high) & m;
+            Word const purine_is_g = (a[k].low & ~a[k].high) | (b[k].low & ~b[k].high);
+            ag.add(d0 & m & ~d1 & ~a[k].high);
             ac.add(d1 & ~d0 & ~purine_is_g);
             at.add(d1 & d0 & ~purine_is_g);
             cg.add(d1 & d0 & purine_is_g);

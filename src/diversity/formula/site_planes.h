@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <span>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -18,10 +19,11 @@ enum class WordCount { instruction, portable };
 
 /// Aligned DNA sequences packed into bit planes over their usable sites.
 ///
-/// Per sequence six planes of 64-bit words: two of base code (A 00, G 01, C 10, T 11), and one each that marks the
-/// sites with one of the four bases, with '-', with the missing-data character, and with any other character. Sites of
-/// the last plane are looked up one by one. Sites at which all sequences have the same base are only counted. Building
-/// costs two passes over the characters; comparing allocates nothing.
+/// Per sequence five planes of 64-bit words: two of base code (A 00, G 01, C 10, T 11), and one each that marks the
+/// sites with one of the four bases, with '-', and with the missing-data character; the words of the same sites stand
+/// together, so that a loop over two sequences gets by with few pointers. Sites with any other character, such as the
+/// ambiguity codes, are listed and looked up one by one. Sites at which all sequences have the same base are only
+/// counted. Building costs two passes over the characters; comparing allocates nothing.
 class NucleotidePlanes {
 public:
     /// @param sequences  k sequences; shorter ones end early, as in count_pair().
@@ -37,20 +39,26 @@ public:
 private:
     struct Traits {
         int sites = 0;  ///< usable sites in the planes that the sequence reaches
-        bool gaps = false;
-        bool missing = false;
-        bool others = false;
+        bool pure = true;     ///< bases alone
+        bool others = false;  ///< some character that has no plane
     };
-    enum Plane : std::size_t { low, high, base, gap, absent, other, nb_planes };
+    /// Base codes of 64 sites.
+    struct Codes {
+        std::uint64_t low = 0;
+        std::uint64_t high = 0;
+    };
+    /// What stands at 64 sites.
+    struct Marks {
+        std::uint64_t base = 0;
+        std::uint64_t gap = 0;
+        std::uint64_t absent = 0;
+    };
 
-    [[nodiscard]] std::uint64_t const* plane(std::size_t i, Plane p) const noexcept {
-        return words_.data() + (i * nb_planes + p) * nb_words_;
-    }
-    [[nodiscard]] bool pure(std::size_t i) const noexcept {
-        Traits const& t = traits_[i];
-        return !t.gaps && !t.missing && !t.others;
-    }
-    void set(std::size_t i, std::size_t site, char c);
+    [[nodiscard]] Codes const* codes(std::size_t i) const noexcept { return codes_.data() + i * nb_words_; }
+    [[nodiscard]] Marks const* marks(std::size_t i) const noexcept { return marks_.data() + i * nb_words_; }
+    [[nodiscard]] unsigned kind_of(char c) const noexcept;
+    void pack(std::size_t i, std::string_view sequence, std::span<std::size_t const> sites,
+              std::span<unsigned const, 256> kinds);
     template <class Counter>
     [[gnu::always_inline]] inline PairCounts compare_with(std::size_t i, std::size_t j, bool base_pairs) const noexcept;
     template <class Counter>
@@ -67,15 +75,45 @@ private:
     char missing_;
     WordCount how_;
     bool missing_has_plane_ = false;
-    int constant_sites_ = 0;  ///< usable sites with one base in all sequences
-    std::vector<std::uint64_t> words_;
+    std::uint64_t gap_absent_deleted_ = 0;  ///< all ones if '-' against missing data is a deletion
+    std::uint64_t absent_gap_deleted_ = 0;  ///< the same the other way round
+    int constant_sites_ = 0;                ///< usable sites with one base in all sequences
+    std::vector<Codes> codes_;              ///< k rows of nb_words_
+    std::vector<Marks> marks_;              ///< k rows of nb_words_
     std::vector<Traits> traits_;
-    // Sites with other characters: what a pair of characters counts as, by small numbers of the characters.
-    void number_characters(std::span<std::string_view const> sequences, std::span<std::size_t const> sites);
-    std::vector<std::uint16_t> numbers_;   ///< k rows of nb_words_ * 64 numbers of characters; 0 behind the end
-    std::vector<unsigned char> kinds_;     ///< kind of each pair of numbers, nb_numbers_ squared
-    std::vector<PairCounts> kind_counts_;  ///< what one site of a kind adds
-    std::size_t nb_numbers_ = 0;
+
+    // Sites with other characters: what their pairs add to the counts is looked up.
+
+    /// Counts of at most 255 sites, a byte each, so that what a site adds takes two sums.
+    struct ByteCounts {
+        std::uint64_t often = 0;
+        std::uint64_t seldom = 0;  ///< counts that few pairs of characters change
+
+        void add(ByteCounts const& o) noexcept {
+            often += o.often;
+            seldom += o.seldom;
+        }
+    };
+    struct OtherSite {
+        std::uint32_t site;
+        std::uint32_t row;  ///< where the row of its character begins in the tables
+    };
+    void list_others(std::span<std::string_view const> sequences, std::span<std::size_t const> sites,
+                     std::span<unsigned const, 256> kinds);
+    [[nodiscard]] std::uint32_t row_of_other(char c);
+    void tabulate_others();
+    /// Of sequence i, before site `end`.
+    [[nodiscard]] std::span<OtherSite const> other_sites(std::size_t i, int end) const noexcept;
+    [[nodiscard]] unsigned char const* characters(std::size_t i) const noexcept {
+        return characters_.data() + i * nb_words_ * 64;
+    }
+
+    std::string others_;                     ///< the other characters that occur
+    std::vector<OtherSite> other_sites_;     ///< sequence by sequence
+    std::vector<std::size_t> other_begin_;   ///< k + 1 places in other_sites_
+    std::vector<unsigned char> characters_;  ///< k rows of nb_words_ * 64; none when no sequence has other characters
+    std::vector<ByteCounts> as_first_;       ///< rows of 256: an other character in the first, any in the second
+    std::vector<ByteCounts> as_second_;      ///< the other way round; nothing for two others, which as_first_ has
 };
 
 /// A distance method of DNA with its parameters.
