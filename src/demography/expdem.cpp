@@ -76,7 +76,12 @@ void ann_missmatch::read_mismatch_pop() {
 }
 
 SearchOutcome ann_missmatch::fit(ExpansionFitter& fitter, ExpansionParameters const& start) const {
-    return model_ == ExpansionModel::sudden ? hook_jeeves_rh(fitter, start) : hook_jeeves_spatial_exp(fitter);
+    SearchOutcome const found =
+        model_ == ExpansionModel::sudden ? hook_jeeves_rh(fitter, start) : hook_jeeves_spatial_exp(fitter);
+    if (!found.converged) {
+        *_AOS_ << "\t\tno convergence after " << found.steps << " steps (#=" << found.largest_step << ")\n";
+    }
+    return found;
 }
 
 void ann_missmatch::solve_least_square(std::ostream& out) {
@@ -87,9 +92,6 @@ void ann_missmatch::solve_least_square(std::ostream& out) {
     print_heading(out);
     ExpansionFitter fitter(model_, y_);
     estimate_ = fit(fitter, {1.0, 5.0, 3.0, 2.0});
-    if (estimate_.largest_step > search_eps) {
-        *_AOS_ << "\t\tno convergence after " << estimate_.steps << " steps (#=" << estimate_.largest_step << ")\n";
-    }
     observed_raggedness_ = raggedness_index(y_);
     observed_mean_ = mean_of(y_);
     print_estimates(out);
@@ -109,6 +111,7 @@ void ann_missmatch::solve_least_square(std::ostream& out) {
         return;
     }
     if (bootstrap.counted == 0) {
+        *_AOS_ << "\t\tno sample could be simulated under the estimated parameters\n";
         print_plain_table(out);
         return;
     }
@@ -128,7 +131,8 @@ int ann_missmatch::simulate(ExpansionParameters const& p) {
 }
 
 int mismatchSpatialExpansion::simulate(ExpansionParameters const& p) {
-    if (p.theta1 <= 0.0) {
+    // The number of mutations grows with theta, and a search sets no limit to it.
+    if (!(p.theta1 > 0.0 && p.theta1 <= largest_theta)) {
         return 0;
     }
     double const u = 0.5 * p.theta1 / population_size;

@@ -11,11 +11,23 @@
 
 namespace tov {
 
+namespace {
+
+/// Largest distance with a distribution: beyond it the classes alone would fill the memory. Only weights or allele sizes
+/// of millions get there.
+constexpr int largest_class = 5000000;
+
+}  // namespace
+
 int PopGenetics::compute_mm_distr(std::ostream&, settings&) {
     mismatch_.clear();
     exp_mismatch_.clear();
     exp_max_mismatch_ = 0;
     mismatch_mean_ = mismatch_variance_ = mismatch_tau_ = mismatch_theta_ = 0.0;
+    if (max_mismatch_ > largest_class) {
+        *_AOS_ << "\t\tdistances of " << max_mismatch_ << " have no mismatch distribution\n";
+        max_mismatch_ = 0;
+    }
     if (max_mismatch_ == 0) {
         return 1;
     }

@@ -9,6 +9,9 @@ namespace tov {
 /// two (4). Both are simulated with one size.
 class mismatchSpatialExpansion : public ann_missmatch {
 public:
+    /// Of a simulated sample; without an end in time beyond it.
+    static constexpr double largest_theta = 1e6;
+
     mismatchSpatialExpansion(PopGenetics& pop, settings& set, ExpansionModel model) : ann_missmatch(pop, set, model) {}
 
     [[nodiscard]] double get_M() const { return estimate_.best.M; }

@@ -18,12 +18,16 @@ namespace {
 constexpr int heading_length = 26;
 constexpr double least_variance = 1e-7;
 
+/// Name of the distance; a number without a name counts differences.
+std::string_view distance_name(TDataType type, int method) {
+    bool const named = (type == DNA && method >= 0 && method <= 6) || (type == RFLP && method >= 0 && method <= 1);
+    return named ? distance_method_name(type, method) : std::string_view("Pairwise difference");
+}
+
 void print_distance(SampleRun& run) {
     TDataType const type = run.words.type;
-    run.out << "Distance method : "
-            << (type == DNA || type == RFLP ? distance_method_name(type, run.set.MismatchDistanceMethod)
-                                            : std::string_view("Pairwise difference"))
-            << gamma_note{run.set.MismatchGammaAValue} << "\n\n";
+    run.out << "Distance method : " << distance_name(type, run.set.MismatchDistanceMethod)
+            << gamma_note{type == DNA ? run.set.MismatchGammaAValue : 0.0} << "\n\n";
 }
 
 /// Observed counts from class 0 to the largest one.
@@ -98,6 +102,7 @@ void mismatch_block(SampleRun& run) {
     if (run.stopped_at("Computing mismatch distribution ...")) {
         return;
     }
+    run.start_clock();
     run.ensure_evaluated();
     run.console << "\tComputing mismatch distribution...\n";
     run.choose_distance(run.set.MismatchDistanceMethod, run.set.MismatchGammaAValue);

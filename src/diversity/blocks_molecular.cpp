@@ -1,6 +1,8 @@
 // Molecular diversity indices of a sample and its estimates of theta.
+#include <ctime>
 #include <ostream>
 
+#include "base/timing.h"
 #include "diversity/blocks.h"
 #include "diversity/blocks_molecular_report.h"
 #include "diversity/formula/theta.h"
@@ -44,13 +46,13 @@ void estimate_from_alleles(SampleRun& run, TabRow& table_row) {
     if (run.words.type == MICROSAT || (set.ComputeTheta & theta_bit::k) == 0 || !run.haplotypes_known()) {
         return;
     }
-    run.start_clock();
+    std::clock_t const start = std::clock();
     run.console << "\t\tComputing BMat ...";
     if (PopGenetics::get_B_num_mat() == 0) {
         run.console << "\t\t\tFile 500k100.bnb not found... skipping task !\n";
         return;
     }
-    run.console << "\t\tdone ! (" << run.milliseconds() << " ms)\n";
+    run.console << "\t\tdone ! (" << milliseconds_since(start) << " ms)\n";
     int const distinct = pop.nb_haplotypes();
     pop.theta_k(run.copies(), distinct, 0.05);
     bool const limits = distinct < 1000 && pop.nb_genes() < 5000.0;

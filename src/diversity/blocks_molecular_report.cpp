@@ -86,10 +86,12 @@ std::string_view short_distance_title(TDataType type, int method) {
 }
 
 std::string_view distance_title(TDataType type, int method) {
-    if (type == DNA && (method < 0 || method > 6)) {
-        return "DIFF";
+    switch (type) {
+        case DNA: return method < 0 || method > 6 ? "DIFF" : distance_method_name(type, method);
+        case RFLP: return method < 0 || method > 1 ? "DIFF" : distance_method_name(type, method);
+        case MICROSAT: return distance_method_name(type, method == 0 ? 0 : 1);  // any other number squares the sizes
+        default: return distance_method_name(type, 0);                           // there is one distance only
     }
-    return distance_method_name(type, method);
 }
 
 void print_molecular_heading(SampleRun& run) {

@@ -270,6 +270,7 @@ void fu_block(SampleRun& run) {
         run.out << "Fu's Fs test cannot be computed if only one gene in sample\n";
         return;
     }
+    run.start_clock();
     run.console << "\t\tComputing BMat ...";
     if (PopGenetics::get_B_num_mat() == 0) {
         run.console << "\t\tFile not found... skipping task !\n";

@@ -278,7 +278,7 @@ int PopulMicrosat::compute_distance_matrix(std::ostream* out, settings* s, int) 
         }
     }
     // kept on purpose: clock ticks under the name of milliseconds
-    *_AOS_ << "\t\tdone! (" << milliseconds_since(start) << " ms)\n";
+    *_AOS_ << "\t\tdone ! (" << milliseconds_since(start) << " ms)\n";
     return finish_distance_matrix(out);
 }
 
@@ -301,7 +301,7 @@ int PopulStandard::compute_distance_matrix(std::ostream* out, settings* s, int) 
             return 0;
         }
     }
-    *_AOS_ << "\t\tdone! (" << milliseconds_since(start) << " ms)\n";
+    *_AOS_ << "\t\tdone ! (" << milliseconds_since(start) << " ms)\n";
     return finish_distance_matrix(out);
 }
 

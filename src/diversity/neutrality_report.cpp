@@ -83,8 +83,9 @@ void print_ewens_obstacle(std::ostream& out, EwensObstacle obstacle, int copies,
                 << " the sample";
             break;
         case EwensObstacle::too_large:
-            out << "\nThe test is impossible because the number of genes is bigger than " << MOST_COPIES
-                << " or the number of Alleles is bigger than " << MOST_ALLELES << " .";
+            // kept on purpose: no blank in front of the two numbers
+            out << "\nThe test is impossible because the number of genes is bigger than" << MOST_COPIES
+                << " or the number of Alleles is bigger than" << MOST_ALLELES << " .";
             break;
     }
     out << '\n' << rule{60} << '\n';

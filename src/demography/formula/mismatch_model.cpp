@@ -188,7 +188,8 @@ void sudden_expansion_curve(ExpansionParameters& p, std::span<double> frequencie
     if (p.theta0 <= 0.0) {
         p.theta0 = 1e-7;
     }
-    if (p.tau <= 0.0) {
+    bool const not_yet = p.tau <= 0.0;
+    if (not_yet) {
         p.tau = 1e-7;
     }
     if (p.theta1 < p.theta0) {
@@ -204,6 +205,10 @@ void sudden_expansion_curve(ExpansionParameters& p, std::span<double> frequencie
     double const w = std::exp(-p.tau * (p.theta1 + 1.0) / p.theta1);
     for (std::size_t i = 0; i < frequencies.size(); ++i) {
         frequencies[i] = scratch.second[i] + w * convolution(scratch.poisson, scratch.first, i);
+    }
+    // kept on purpose: class 0, which meets the tau before its repair, is that of the old size
+    if (not_yet && !frequencies.empty()) {
+        frequencies[0] = f_Watt(p.theta0, 0);
     }
 }
 

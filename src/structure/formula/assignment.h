@@ -13,7 +13,7 @@ struct AllelePair {
     int second = -1;
 };
 
-/// Frequency of an allele that stays undetected in 2m gene copies with probability 0.95; infinite or nan for m = 0.
+/// Frequency of an allele that stays undetected in 2m gene copies with probability 0.95; 1 for m = 0.
 [[nodiscard]] inline double undetected_frequency(int m) noexcept {
     return 1.0 - std::exp(std::log(0.95) / (2.0 * m));
 }

@@ -95,6 +95,54 @@ TEST(MismatchModel, SpatialCurvesAtKnownParameters) {
     EXPECT_NEAR(f[10], 0.00267980187, 5e-13);
 }
 
+TEST(MismatchModel, SuddenCurvesAtKnownParameters) {
+    CurveScratch scratch;
+    std::vector<double> f(11);
+    ExpansionParameters p{1.0, 20.0, 4.0, 0.0};
+    sudden_expansion_curve(p, f, scratch);
+    EXPECT_NEAR(f[0], 0.05440276094, 5e-12);
+    EXPECT_NEAR(f[1], 0.07555514991, 5e-12);
+    EXPECT_NEAR(f[4], 0.1552467604, 5e-11);
+    EXPECT_NEAR(f[10], 0.01792708266, 5e-12);
+    p = {2.0, 1.0, 4.0, 0.0};
+    sudden_expansion_curve(p, f, scratch);
+    EXPECT_NEAR(f[3], 0.0987654321, 5e-11);
+    EXPECT_EQ(p.theta1, 2.0);
+}
+
+TEST(MismatchModel, WithoutTimeClassZeroIsThatOfTheOldSize) {
+    CurveScratch scratch;
+    std::vector<double> f(5);
+    ExpansionParameters p{0.0, 20.0, -1.0, 0.0};
+    sudden_expansion_curve(p, f, scratch);
+    EXPECT_EQ(p.theta0, 1e-7);
+    EXPECT_EQ(p.tau, 1e-7);
+    EXPECT_EQ(f[0], f_Watt(1e-7, 0));
+    EXPECT_NE(f[1], f_Watt(1e-7, 1)) << "the other classes meet the repaired time";
+    ExpansionParameters after{1e-7, 20.0, 1e-7, 0.0};
+    std::vector<double> g(5);
+    sudden_expansion_curve(after, g, scratch);
+    EXPECT_NE(f[0], g[0]);
+    for (int i = 1; i < 5; ++i) {
+        EXPECT_EQ(f[i], g[i]);
+    }
+}
+
+TEST(MismatchModel, SpatialCurvesRepairWhatIsNotPositive) {
+    CurveScratch scratch;
+    std::vector<double> f(5);
+    ExpansionParameters p{3.0, -1.0, 0.0, -2.0};
+    spatial_expansion_curve_4p(p, f, scratch);
+    EXPECT_EQ(p.theta0, 3.0);
+    EXPECT_EQ(p.theta1, 0.01);
+    EXPECT_EQ(p.tau, 1e-5);
+    EXPECT_EQ(p.M, 1e-5);
+    p = {3.0, -1.0, 1.0, 2.0};
+    spatial_expansion_curve_3p(p, f, scratch);
+    EXPECT_EQ(p.theta0, 0.01);
+    EXPECT_EQ(p.theta1, 0.01);
+}
+
 TEST(MismatchModel, CurvesSumToOne) {
     CurveScratch scratch;
     std::vector<double> f(400);
@@ -163,6 +211,50 @@ TEST(MismatchFit, SpatialExpansionOfAKnownHistogram) {
         uniform();
     }
     EXPECT_EQ(uniform(), next);
+}
+
+TEST(MismatchFit, WithoutClassZeroTheStartsScaleMByAHundred) {
+    std::vector<double> const y{0.0, 0.25, 0.75};
+    ExpansionFitter fitter(ExpansionModel::spatial_3p, y);
+    seed_one();
+    SearchOutcome const start = hook_jeeves_spatial_exp(fitter, 0);  // no steps: the first start stays
+    EXPECT_NEAR(start.best.theta1, 5.0 * .298227348, 1e-8);
+    EXPECT_EQ(start.best.theta0, start.best.theta1);
+    EXPECT_NEAR(start.best.tau, 1.5 * .715119168 * 1.75 + 1.75 / 2.0, 1e-8);
+    EXPECT_NEAR(start.best.M, 1.5 * .033021107 * 100.0 + 50.0, 1e-6);
+}
+
+TEST(MismatchFit, FourParametersSpendTheDrawsOfTenStarts) {
+    auto const y = frequencies();
+    ExpansionFitter fitter(ExpansionModel::spatial_4p, y);
+    seed_one();
+    EXPECT_TRUE(hook_jeeves_spatial_exp(fitter).converged);
+    double const next = uniform();
+    seed_one();
+    for (int draw = 0; draw < 40; ++draw) {
+        uniform();
+    }
+    EXPECT_EQ(uniform(), next);
+}
+
+TEST(MismatchFit, Theta0NeverExceedsTheta1) {
+    CurveScratch scratch;
+    std::vector<double> y(30);
+    ExpansionParameters equilibrium{6.0, 6.0, 1.0, 0.0};
+    sudden_expansion_curve(equilibrium, y, scratch);
+    ExpansionFitter fitter(ExpansionModel::sudden, y);
+    SearchOutcome const fit = hook_jeeves_rh(fitter, {4.0, 4.5, 3.0, 0.0});
+    EXPECT_LE(fit.best.theta0, fit.best.theta1);
+    EXPECT_GT(fit.best.theta0, 4.5) << "theta0 has pushed theta1";
+}
+
+TEST(MismatchFit, APoolThatNeverReachesFiveIsDropped) {
+    MismatchReference r;
+    r.counts = {20.0, 3.0, 30.0, 2.5, 4.0, 0.5};  // 3 and 2.5 are a pool of 5.5, 4 and 0.5 remain below 5
+    r.last_class = 5;
+    MismatchFit const fit = mismatch_fit(std::vector<std::int64_t>{20, 3, 30, 2, 40, 7}, r);
+    EXPECT_EQ(fit.df, 1);
+    EXPECT_NEAR(fit.chi_square, 0.25 / 5.5, 1e-12);
 }
 
 TEST(MismatchFit, ReturnsTheParametersOfAMadeCurve) {

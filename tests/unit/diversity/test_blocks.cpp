@@ -280,6 +280,70 @@ TEST_F(Blocks, PrintGenotypesWithObservedHeterozygosity) {
         << text;
 }
 
+TEST_F(Blocks, NameTheDistanceThatTheyCompute) {
+    std::string const label = "\nDistance method                              : ";
+    AnalysedProject sequences(dna("3", "a 2 AC\nb 1 AT\n"));
+    sequences.set.DistanceMethod = 9;
+    sequences.set.GammaAValue = 0.5;
+    EXPECT_TRUE(holds(sequences.run(molecular), label + "DIFF (Gamma correction : a=0.5"));
+    AnalysedProject sites(one_sample(profile_text("RFLP"), "3", "a 2 01\nb 1 00\n"));
+    sites.set.DistanceMethod = 1;
+    EXPECT_TRUE(holds(sites.run(molecular), label + "Proportion of difference\n"));
+    AnalysedProject sizes(one_sample(profile_text("MICROSAT", 1, "WHITESPACE"), "3", "a 2 10\nb 1 14\n"));
+    sizes.set.DistanceMethod = 3;  // any number but 0 squares the sizes
+    EXPECT_TRUE(holds(sizes.run(molecular), label + "Sum of squared size difference (RST)\n"));
+    EXPECT_EQ(sizes.sample().get_dist_mat()(1, 0), 16.0);
+    AnalysedProject alleles(one_sample(profile_text("STANDARD", 1, "WHITESPACE"), "3", "a 2 x\nb 1 y\n"));
+    alleles.set.DistanceMethod = 3;
+    EXPECT_TRUE(holds(alleles.run(molecular), label + "Pairwise difference\n"));
+}
+
+TEST_F(Blocks, RefuseMismatchDistributionsOfUnknownPhaseWithoutAHeading) {
+    AnalysedProject p(one_sample(genotypic_profile_text("STANDARD"), "2", "i 1 A\n    B\nj 1 A\n    A\n"));
+    p.sample().p_fus_FS_ = 0.5;
+    EXPECT_EQ(p.run(task::mismatch), "Mismatch distribution cannot be computed \n"
+                                     "in case of genotypic data with unknown gametic phase\n\n"
+                                     "We hope to change it in a future release...\n");
+    p.run(task::fu_fs);
+    EXPECT_EQ(p.sample().pFusFS(), -1.0);
+}
+
+TEST_F(Blocks, RefuseMismatchDistributionsOfFrequencies) {
+    AnalysedProject p(one_sample(profile_text("FREQUENCY"), "5", "a 2\nb 3\n"));
+    EXPECT_EQ(p.run(task::mismatch), "Mismatch distribution cannot be computed \nin case of FREQUENCY data type.");
+}
+
+TEST_F(Blocks, PrintMismatchDistributionsWithTheirDistance) {
+    std::string const heading = "\n==========================\n== Mismatch distribution : (one &amp; only)\n"
+                                "==========================\n\n";
+    AnalysedProject p(dna("4", "a 2 ACGT\nb 2 ACGA\n"));
+    p.set.MismatchDistanceMethod = 9;
+    p.set.MismatchGammaAValue = 0.5;
+    std::string text = p.run(task::mismatch);
+    EXPECT_EQ(text.substr(0, heading.size()), heading);
+    EXPECT_TRUE(holds(text, "Distance method : Pairwise difference (Gamma correction : a=0.5)\n\n")) << text;
+    EXPECT_EQ(p.sample().mismatch_[0], 2);
+    EXPECT_EQ(p.sample().mismatch_[4], 4);  // a number that is no method is scaled by the four sites
+    EXPECT_TRUE(holds(p.log(), "\tComputing mismatch distribution...\n\tdone ! ("));
+    AnalysedProject sites(one_sample(profile_text("RFLP"), "3", "a 2 01\nb 1 00\n"));
+    sites.set.MismatchGammaAValue = 0.5;  // of sequences alone
+    EXPECT_TRUE(holds(sites.run(task::mismatch), "Distance method : Pairwise difference (no Gamma correction)\n\n"));
+    AnalysedProject alleles(one_sample(profile_text("STANDARD", 1, "WHITESPACE"), "3", "a 2 x\nb 1 y\n"));
+    alleles.set.MismatchDemogExp = alleles.set.MismatchSpatialExp = 1;
+    text = alleles.run(task::mismatch);
+    EXPECT_TRUE(holds(text, "Distance method : Pairwise difference (no Gamma correction)\n\n"));
+    EXPECT_FALSE(holds(text, "expansion model"));
+}
+
+TEST_F(Blocks, GiveNoDistributionToDistancesOfBillions) {
+    AnalysedProject p(one_sample(profile_text("MICROSAT", 1, "WHITESPACE"), "3", "a 2 1\nb 1 90000\n"));
+    p.set.MismatchDistanceMethod = 1;
+    EXPECT_TRUE(holds(p.run(task::mismatch), "== Mismatch distribution"));
+    EXPECT_EQ(p.sample().max_mismatch(), 0);
+    EXPECT_TRUE(p.sample().mismatch_.empty());
+    EXPECT_TRUE(holds(p.log(), "have no mismatch distribution\n"));
+}
+
 TEST_F(Blocks, PrepareAlleleVectorsOnlyForTheMaskOfThatTaskAlone) {
     AnalysedProject p(one_sample(genotypic_profile_text("STANDARD"), "2", "i 1 A\n    B\nj 1 A\n    A\n"));
     double const before = p.alleles.locus(0)->find_allele_by_name(my_string("A"))->freq();
@@ -370,6 +434,26 @@ TEST_F(Blocks, MismatchRowsHoldTheEstimatesOfTheirModels) {
     EXPECT_TRUE(two.text().ends_with(row(sample.spatial_two_sizes_fit_, true, true) + '\n')) << two.text();
     EXPECT_NE(sample.spatial_one_size_fit_.theta1.value, sample.spatial_two_sizes_fit_.theta1.value);
     EXPECT_GT(sample.spatial_two_sizes_fit_.tau.value, 0.0);
+}
+
+TEST_F(Blocks, WriteTheNumberOfPairsWithoutADistribution) {
+    AnalysedProject one(dna("5", "a 5 ACGT\n"));
+    AnalysedProject two(dna("4", "a 2 ACGT\nb 2 ACGA\n"));
+    TableInMemory const table(ofs_mismatch);
+    TableInMemory const sp3(ofs_mismatch_sp3);
+    TableInMemory const sp4(ofs_mismatch_sp4);
+    TableInMemory const alone(ofs_only_mismatch);
+    std::string const input = settings::input_file;
+    settings::input_file = "p.tvp";
+    one.run(task::mismatch);
+    two.run(task::mismatch);
+    settings::input_file = input;
+    std::string const names = "\"p.tvp\"\t\"one & only\"\t#Diff\t0\t";
+    std::string const unset = "-1\t-1\t-1\t";  // no estimates
+    EXPECT_EQ(table.text(), names + unset + "10\n" + names + unset + "2\t4\n");
+    EXPECT_EQ(sp3.text(), table.text());
+    EXPECT_EQ(sp4.text(), names + unset + "-1\n" + names + unset + "-1\n");
+    EXPECT_EQ(alone.text(), "2\t4\n");
 }
 
 TEST(LocusTable, GivesEachAlleleItsFrequencyInTheSample) {

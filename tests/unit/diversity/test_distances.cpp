@@ -199,6 +199,14 @@ TEST(MicrosatMatrix, CountsLociOrSquaresSizes) {
     EXPECT_EQ(m.largest_distance(), 13);
 }
 
+TEST(MicrosatMatrix, TellsTheLogItsClockTicks) {
+    AnalysedProject p(project("MICROSAT", "a 1 10\nb 1 12\n", "2", "WHITESPACE"));
+    auto& m = p.sample_as<PopulMicrosat>();
+    m.evaluate_polymorphism(p.set);
+    m.compute_distance_matrix(nullptr, &p.set, 0);
+    EXPECT_NE(p.log().find("\t\tBeginning distance computations ...\n\t\tdone ! ("), std::string::npos);
+}
+
 TEST(MicrosatMatrix, RefusesAnInfiniteSize) {
     AnalysedProject p(project("MICROSAT", "a 1 10\nb 1 " + std::string(400, '9') + "\n", "2", "WHITESPACE"));
     auto& m = p.sample_as<PopulMicrosat>();

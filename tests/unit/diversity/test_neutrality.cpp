@@ -361,6 +361,14 @@ TEST(FuBlock, StoresAndPrintsItsTest) {
     EXPECT_TRUE(s.prints("\nNo. of simulations           :200\n"));
 }
 
+TEST(FuBlock, TellsTheLogWhatItDoes) {
+    SampleUnderTest<PopulDNA> s(dna_entries);
+    s.run(task::tajima | task::chakraborty | task::fu_fs);
+    EXPECT_TRUE(s.logs("\n\t\tComputing Tajima's D ...\n"));
+    EXPECT_TRUE(s.logs("\tPerforming Chakraborty's neutrality and amalgamation test ..."));
+    EXPECT_TRUE(s.logs("\t\tComputing BMat ...\tPerforming Fu's Fs neutrality test ...\tdone ! ("));
+}
+
 TEST(FuBlock, OfOneHaplotypeSaysSo) {
     SampleUnderTest<PopulDNA> s({{"ACGT", 5}});
     s.run(task::fu_fs);
@@ -490,6 +498,15 @@ TEST(EwensWattersonBlock, OfDistinctCopiesIsImpossible) {
     EXPECT_EQ(s.pop.p_homoz_test(), -1.0);
 }
 
+TEST(EwensWattersonBlock, CountsTiesWithTheObservedValues) {
+    SampleUnderTest<PopulStandard> s(standard_of({1, 2}));  // the only configuration of 3 copies of 2 alleles
+    s.run(task::ewens_watterson);
+    EXPECT_EQ(s.pop.p_homoz_test(), 1.0);
+    EXPECT_EQ(s.pop.p_exact_neutr_tst(), 1.0);
+    EXPECT_NEAR(s.pop.exp_F(), s.pop.obs_F(), 1e-12);
+    EXPECT_TRUE(s.logs("\t\tComputing BMat ...\tTesting neutrality (Ewens-Watterson )...\tdone ! ("));
+}
+
 TEST(EwensWattersonTests, RefuseOneAlleleAndLargeSamples) {
     SampleUnderTest<PopulStandard> s(standard_of({6}));
     std::ostringstream out;
@@ -510,7 +527,7 @@ TEST(EwensWattersonTests, RefuseOneAlleleAndLargeSamples) {
     thousand.Add(new AHaplFreq(1));
     out.str("");
     s.pop.EW_neutrality_tests(s.set, out, thousand);
-    EXPECT_NE(out.str().find("the number of genes is bigger than 5000 or the number of Alleles is bigger than 1000 ."),
+    EXPECT_NE(out.str().find("the number of genes is bigger than5000 or the number of Alleles is bigger than1000 ."),
               std::string::npos);
     s.pop.set_sample_size(5001);
     out.str("");
@@ -518,7 +535,7 @@ TEST(EwensWattersonTests, RefuseOneAlleleAndLargeSamples) {
     two.Add(new AHaplFreq(5000));
     two.Add(new AHaplFreq(1));
     s.pop.EW_neutrality_tests(s.set, out, two);
-    EXPECT_NE(out.str().find("bigger than 5000"), std::string::npos);
+    EXPECT_NE(out.str().find("bigger than5000"), std::string::npos);
 }
 
 TEST(RandomFrequency, OfTheFirstAlleleSpendsOneDraw) {

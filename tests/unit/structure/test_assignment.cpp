@@ -23,6 +23,10 @@ TEST(Assignment, AnAbsentAlleleTakesTheUndetectedFrequency) {
     EXPECT_DOUBLE_EQ(genotype_log_likelihood(genotype, f, e), std::log(2.0 * e));
 }
 
+TEST(Assignment, AnEmptySampleMissesEveryAllele) {
+    EXPECT_EQ(undetected_frequency(0), 1.0);
+}
+
 TEST(Assignment, AMissingAlleleLeavesItsLocusOut) {
     std::vector<double> const f{0.5, 0.5};
     std::vector<AllelePair> const genotype{{-1, 1}, {0, 0}, {-1, -1}};

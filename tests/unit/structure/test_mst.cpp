@@ -155,6 +155,18 @@ TEST(MinimumSpanningTree, LengthsThatDifferInTheLastBitAreNoAlternatives) {
     EXPECT_EQ(count(differ), 0u);
 }
 
+TEST(MinimumSpanningTree, OfEqualCandidatesTheFirstPositionIsTaken) {
+    // OTU 3 joins first; OTU 1 then moves to its place, behind OTU 2, which is as far away.
+    auto const dist = from_triangle(4, {2, 2, 9, 1, 9, 9});
+    auto const network = minimum_spanning_network(4, dist);
+    ASSERT_EQ(network.links.size(), 3u);
+    int const joined[] = {3, 2, 1};
+    for (int t = 0; t < 3; ++t) {
+        EXPECT_EQ(network.links[t].first, 0);
+        EXPECT_EQ(network.links[t].second, joined[t]);
+    }
+}
+
 TEST(MinimumSpanningTree, RandomMatricesHaveTheShortestLengthAndTrueAlternatives) {
     std::mt19937 random(7);
     for (int trial = 0; trial < 200; ++trial) {
