@@ -277,7 +277,6 @@ int PopulMicrosat::compute_distance_matrix(std::ostream* out, settings* s, int) 
             return 0;
         }
     }
-    // kept on purpose: clock ticks under the name of milliseconds
     *_AOS_ << "\t\tdone ! (" << milliseconds_since(start) << " ms)\n";
     return finish_distance_matrix(out);
 }

@@ -124,7 +124,7 @@ class Designs(EdgeTestCase):
         for method in (0, 1):
             log = self.run_project(microsatellites(1, FOUR, 30, groups=ONE_GROUP), NumPermutationsAMOVA=0,
                                    DistanceMethodAMOVA=method, **AMOVA)
-            part = int(re.search(r"Beginning distance computations ...\n\t\tdone! \((\d+) ms\)\n", log).group(1))
+            part = int(re.search(r"Beginning distance computations ...\n\t\tdone ! \((\d+) ms\)\n", log).group(1))
             h, m, s, ms = map(int, re.search(r"this run : (\d+)h (\d+)m (\d+)s (\d+) ms", log).groups())
             self.assertLessEqual(part, ((h * 60 + m) * 60 + s) * 1000 + ms + 1)
 

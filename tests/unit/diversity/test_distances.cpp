@@ -199,7 +199,7 @@ TEST(MicrosatMatrix, CountsLociOrSquaresSizes) {
     EXPECT_EQ(m.largest_distance(), 13);
 }
 
-TEST(MicrosatMatrix, TellsTheLogItsClockTicks) {
+TEST(MicrosatMatrix, TellsTheLogItsTime) {
     AnalysedProject p(project("MICROSAT", "a 1 10\nb 1 12\n", "2", "WHITESPACE"));
     auto& m = p.sample_as<PopulMicrosat>();
     m.evaluate_polymorphism(p.set);
