@@ -8,6 +8,16 @@
 
 namespace tov {
 
+namespace {
+
+constexpr int column_width = 10;
+
+/// With five decimals the number takes the whole column: a blank in front keeps it apart from the one before, so that a
+/// matrix that is written can be read again.
+bool fills_column(double x) noexcept { return !(x < 999.999995 && x > -99.999995); }
+
+}  // namespace
+
 TriMat::TriMat(int const& dim) : dimension_(std::max(0, dim)) { allocate("TriMat::TriMat(const int& dim"); }
 
 TriMat::TriMat(TriMat const& other) : TriMat() { *this = other; }
@@ -93,7 +103,11 @@ void TriMat::print_data(std::ostream& os) const {
     os.setf(std::ios::showpoint);
     for (int i = 0; i < dimension_; ++i) {
         if (i > 0) os << '\n';
-        for (int j = 0; j <= i; ++j) os << std::setw(10) << (*this)(i, j);
+        for (int j = 0; j <= i; ++j) {
+            double const element = (*this)(i, j);
+            if (j > 0 && fills_column(element)) os << ' ';
+            os << std::setw(column_width) << element;
+        }
     }
     os.flags(flags);
     os.precision(precision);

@@ -72,11 +72,21 @@ int cleaner::clean_proj_file(int i) {
     if (!std::ofstream(cleaned.str(), std::ios::app).is_open()) return 0;
     clean_files.Add(cleaned);
     written_.insert(cleaned.str());
+    keep_results_apart(cleaned);
     return copy_cleaned(original, cleaned, curr_line, [this] {
         clean_curr_line();
         line_has_external();
         line_locus_sep();
     });
+}
+
+void cleaner::keep_results_apart(my_string const& cleaned_project) {
+    known_files_.insert(proj_dir.str() + "Tovenia_log.txt");
+    my_string base = cleaned_project;
+    base.remove_extension();
+    known_files_.insert(cleaned_project.str());
+    for (char const* const end : {".xml", ".htm", ".js", "_main.htm", "_tree.htm"})
+        known_files_.insert(base.str() + end);
 }
 
 int cleaner::clean_other_file(int i) {

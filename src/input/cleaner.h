@@ -51,8 +51,10 @@ public:
 
 private:
     int clean_other_file(int i);
+    /// A cleaned copy never takes the place of the log, of the document or of the cleaned project itself.
+    void keep_results_apart(my_string const& cleaned_project);
 
-    std::set<std::string> known_files_;  // cleaned copies asked for so far
+    std::set<std::string> known_files_;  // cleaned copies asked for so far, and names that none may have
     std::set<std::string> written_;      // cleaned copies that exist by this cleaner's work
 };
 

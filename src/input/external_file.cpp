@@ -3,12 +3,14 @@
 
 #include "input/public.h"
 #include "input/settings.h"
+#include "run/paths.h"
 
 namespace tov {
 namespace {
 
 bool open_file(std::ifstream& file, std::string const& path) {
     file.clear();
+    if (!file_opens(path)) return false;
     file.open(path);
     return file.is_open();
 }

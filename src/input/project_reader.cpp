@@ -214,7 +214,8 @@ bool ProjectReader::read_label_position(my_string const& text) {
     else if (contains_word(value, "COLUMN"))
         labels_in_line_ = false;
     else {
-        log_text("\tInvalid keyword for LabelPosition on line ", line_);
+        // kept on purpose: no blank stands before the number.
+        log_text("\tInvalid keyword for LabelPosition on line", line_);
         E.error(ErrorType::Error, function_name, 16);
         return false;
     }

@@ -11,8 +11,8 @@
 namespace tov {
 namespace {
 
-constexpr EntryWords gametic_words{"Population::New_read_gametic_data()", "haplotype", 141};
-constexpr EntryWords genotypic_words{"Population::New_read_genotypic_data()", "genotype", 148};
+constexpr EntryWords gametic_words{"Population::New_read_gametic_data()", "haplotype", 141, 1};
+constexpr EntryWords genotypic_words{"Population::New_read_genotypic_data()", "genotype", 148, 2};
 
 class GameticReader : public EntryReader {
 public:
@@ -143,12 +143,12 @@ private:
 
 /// Reads all entries of a block. @return 1, or 0 after a report.
 template <class Reader>
-int read_entries(Reader& reader, BlockLines& lines, bool external, int copies_each) {
+int read_entries(Reader& reader, BlockLines& lines, bool external) {
     while (lines.next()) {
         if (reader.missing_brace()) return 0;
         if (!reader.read_entry()) return 0;
     }
-    return reader.finish(external, copies_each);
+    return reader.finish(external);
 }
 
 }  // namespace
@@ -157,7 +157,7 @@ int Population::New_read_gametic_data(std::istream& is, Haplo_DB& db, int has_li
                                       int external, int project_loci) {
     BlockLines lines(is, line, text, !text.is_null());
     GameticReader reader(*this, db, has_list != 0, lines, project_loci);
-    if (!read_entries(reader, lines, external != 0, 1)) return 0;
+    if (!read_entries(reader, lines, external != 0)) return 0;
     nb_diff_haplotypes = static_cast<int>(haplotypes.GetItemsInContainer());
     return 1;
 }
@@ -165,7 +165,7 @@ int Population::New_read_gametic_data(std::istream& is, Haplo_DB& db, int has_li
 int Population::New_read_genotypic_data(std::istream& is, int external, int& line, my_string& text, int project_loci) {
     BlockLines lines(is, line, text, !text.is_null());
     GenotypicReader reader(*this, lines, project_loci);
-    return read_entries(reader, lines, external != 0, 2);
+    return read_entries(reader, lines, external != 0);
 }
 
 }  // namespace tov

@@ -103,6 +103,12 @@ bool MantelReader::read_size(my_string const& text) {
                  ". Value of MatrixSize needs to be at least 3. Aborting reading project.");
         return false;
     }
+    bool const in_use = !mantel_.labels.empty() || !matrices_.empty();
+    if (in_use && rounded_int(size) != mantel_.nb_labels) {
+        log_text("\tMatrixSize found on line ", line_,
+                 " differs from the size of the labels or matrices read before. Aborting reading project.");
+        return false;
+    }
     mantel_.nb_labels = rounded_int(size);
     seen_.matrix_size = true;
     return true;

@@ -12,6 +12,7 @@
 #include "input/external_file.h"
 #include "input/line_text.h"
 #include "input/public.h"
+#include "input/sample_entries.h"
 #include "input/settings.h"
 #include "model/sample.h"
 
@@ -62,6 +63,7 @@ private:
     my_string name_;
     bool named_ = false;
     double size_ = 0.0;
+    double gene_copies_ = 0.0;  // of the samples read so far
     std::unordered_set<std::string> names_;
 };
 
@@ -157,13 +159,18 @@ bool SamplesReader::read_population(std::istream& is, int& line, bool external, 
     std::clock_t const start = std::clock();
     *_AOS_ << "\tReading " << name_ << " ... ";
     std::unique_ptr<Population> sample = new_sample();
-    int const read = profile_.GenotypicData
-                         ? sample->New_read_genotypic_data(is, external, line, first_text, project_loci_)
-                         : sample->New_read_gametic_data(is, db_, has_list_, line, first_text, external, project_loci_);
+    int read = profile_.GenotypicData
+                   ? sample->New_read_genotypic_data(is, external, line, first_text, project_loci_)
+                   : sample->New_read_gametic_data(is, db_, has_list_, line, first_text, external, project_loci_);
+    if (read && gene_copies_ + sample->sample_size() >= too_many_copies) {
+        log_text("\tToo many gene copies up to sample \"", name_, "\". Aborting reading project.");
+        read = 0;
+    }
     if (!read) {
         E.error(ErrorType::Error, function_name, 63);
         return false;
     }
+    gene_copies_ += sample->sample_size();
     log_text("\tdone ! (", milliseconds_since(start), " ms)");
     note_loci(*sample);
     rename_if_taken(*sample);

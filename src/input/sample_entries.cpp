@@ -34,8 +34,9 @@ bool EntryReader::missing_brace() {
 }
 
 bool EntryReader::convert_frequency(std::string_view text, double& frequency) {
-    constexpr double largest = 2147483647.0;
-    if (parse_number(text, frequency) && frequency >= 0.0 && copies(frequency) < largest) return true;
+    if (parse_number(text, frequency) && frequency >= 0.0 &&
+        words_.copies_each * (copies(sum) + copies(frequency)) < too_many_copies)
+        return true;
     log_text("\tProblem reading ", words_.what, " frequency (\"", text, "\") on line ", lines_.number());
     return false;
 }
@@ -48,7 +49,7 @@ bool EntryReader::check_loci(std::string_view id, int loci) {
     return false;
 }
 
-bool EntryReader::finish(bool external, int copies_each) {
+bool EntryReader::finish(bool external) {
     if (!lines_.closed() && !external) {
         log_text("\tMissing closing brace for sample \"", sample_.pop_name(), "\". End of file found on line ",
                  lines_.number());
@@ -59,7 +60,7 @@ bool EntryReader::finish(bool external, int copies_each) {
     if (relative_) {
         if (std::fabs(sum - 1.0) > tolerated_gap + rounding_noise)
             E.error(ErrorType::Error, function + " sum of Relative frequencies=" + std::to_string(sum), 174);
-        sample_.set_sample_size(copies_each * declared_);
+        sample_.set_sample_size(words_.copies_each * declared_);
         return true;
     }
     if (std::fabs(sum - declared_) > rounding_noise * sum) {
@@ -67,7 +68,7 @@ bool EntryReader::finish(bool external, int copies_each) {
         text << function << " (SampleSize=" << declared_ << "; Sum. Freq.=" << sum << ')';
         E.error(ErrorType::Error, text.str(), words_.size_code);
     }
-    sample_.set_sample_size(copies_each * sum);
+    sample_.set_sample_size(words_.copies_each * sum);
     return true;
 }
 

@@ -14,7 +14,11 @@ struct EntryWords {
     char const* function;   ///< "Class::function()"
     std::string_view what;  ///< "haplotype" or "genotype"
     int size_code;          ///< report of a sum that differs from the declared size
+    int copies_each;        ///< gene copies of an entry of frequency 1
 };
+
+/// Gene copies are counted in int: a project holds fewer than this.
+inline constexpr double too_many_copies = 2147483647.0;
 
 /// Common part of the two readers: sums, sizes, and the complaints that both have.
 class EntryReader {
@@ -23,7 +27,7 @@ public:
 
     /// A section or sample that begins before the closing brace. Reports 194. @return true if the line is one.
     bool missing_brace();
-    /// Converts the text of a frequency. @return false after a log line.
+    /// Converts the text of a frequency. @return false after a log line, also when the sample's sum gets too large.
     bool convert_frequency(std::string_view text, double& frequency);
     /// Checks the number of loci against that of the project's first entry. @return false after a log line.
     bool check_loci(std::string_view id, int loci);
@@ -33,8 +37,8 @@ public:
     }
     /// Compares sum and declared size, and sets the sample size.
     ///
-    /// @param copies_each  gene copies of an entry of frequency 1. @return false without a closing brace, after 194.
-    bool finish(bool external, int copies_each);
+    /// @return false without a closing brace, after 194.
+    bool finish(bool external);
 
     DefinitionScanner const scanner;
     double sum = 0.0;  ///< of the frequencies read so far

@@ -454,7 +454,8 @@ void AHaplFreq::calc_mean_freq(int const& n, int const& k) {
         return;
     }
     mean = frequency / n;
-    sd = n < 2 ? 0.0 : std::sqrt((sq_frequency - frequency * frequency / n) / (n - 1));
+    // Of equal frequencies the difference may be rounded to less than 0.
+    sd = n < 2 ? 0.0 : std::sqrt(std::max(0.0, (sq_frequency - frequency * frequency / n) / (n - 1)));
     frequency = mean / k;
     sq_frequency = sd / k;
 }

@@ -96,14 +96,9 @@ double TPhenDB::link_equil_ln_likelihood() const {
 }
 
 double TPhenDB::calc_ln_multinom() const {
-    int n = 0;
     double sum = 0.0;
-    for (TPhenotype const* const p : view()) {
-        int const count = static_cast<int>(p->obs_count());
-        n += count;
-        sum += factln(count);
-    }
-    return factln(n) - sum;
+    for (TPhenotype const* const p : view()) sum += factln(static_cast<int>(p->obs_count()));
+    return factln(nb_individuals()) - sum;
 }
 
 void TPhenDB::convert_freq_to_real() {

@@ -3,6 +3,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
+#include <limits>
 #include <string_view>
 #include <unordered_map>
 
@@ -157,6 +159,13 @@ void Samples::build_all_vectors(char const& separator) {
 }
 
 void Samples::phen_to_gam(Haplo_DB& db, ProfileSettings* profile, settings* s) {
+    // Every individual gets entries of its own.
+    std::int64_t individuals = 0;
+    for (Population const* const population : populations.view())
+        individuals += population->phenotypes.nb_individuals();
+    if (!has_room(static_cast<int>(std::min<std::int64_t>(individuals, std::numeric_limits<int>::max())),
+                  "Samples::phen_to_gam()"))
+        return;
     for (Population* const population : populations.view()) population->phen_to_gam(&db, profile, s);
 }
 

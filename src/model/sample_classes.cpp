@@ -26,6 +26,21 @@ int row_of(HaploDef const& h, Positions const& positions) {
     return h.matrix_index >= 0 ? h.matrix_index : static_cast<int>(positions.at(&h));
 }
 
+// What is wrong with the classes of n haplotypes, or null. A class bears the number of one of its members.
+char const* fault_of_classes(int const* classes, std::size_t n) {
+    std::vector<char> occurs(n, 0);
+    for (std::size_t i = 0; i < n; ++i) {
+        if (classes[i] < 0 || static_cast<std::size_t>(classes[i]) >= n)
+            return "\n\tSamples::print_out_haplo_cl(): inconsistent class found.\n";
+        occurs[static_cast<std::size_t>(classes[i])] = 1;
+    }
+    for (std::size_t c = 0; c < n; ++c) {
+        if (occurs[c] && static_cast<std::size_t>(classes[c]) != c)
+            return "\n\tSamples::print_out_haplo_cl():the number of class separator is not right.\n";
+    }
+    return nullptr;
+}
+
 // Copies of each class in one sample.
 std::vector<long long> copies_by_class(Population const& population, Positions const& positions, int const* classes) {
     std::vector<long long> copies(positions.size(), 0);
@@ -45,12 +60,12 @@ void Samples::print_out_haplo_cl(std::ostream* os, DistMat const& /*matrix*/, Ha
     *os << "\n\nHaplotype frequency distribution among the samples:\n"
         << "===================================================\n\n";
     auto const n = static_cast<std::size_t>(db->size());
+    if (char const* const fault = fault_of_classes(classes, n)) {
+        *os << fault;
+        return;
+    }
     std::vector<std::string> members(n);
     for (std::size_t i = 0; i < n; ++i) {
-        if (classes[i] < 0 || static_cast<std::size_t>(classes[i]) >= n) {
-            *os << "\n\tSamples::print_out_haplo_cl(): inconsistent class found.\n";
-            return;
-        }
         std::string& ids = members[static_cast<std::size_t>(classes[i])];
         if (!ids.empty()) ids += ' ';
         ids += (*db)[static_cast<int>(i)].id.str();

@@ -1,4 +1,5 @@
 // Samples: the section of a project file, and anchors of computations in the document.
+#include <limits>
 #include <ostream>
 
 #include "model/sample.h"
@@ -30,6 +31,8 @@ void write_phenotypes(std::ostream& os, Population const& population) {
 }  // namespace
 
 std::ostream& operator<<(std::ostream& os, Samples const& samples) {
+    // Sizes and counts are read again: they are written with all their digits.
+    auto const precision = os.precision(std::numeric_limits<double>::digits10);
     os << "\n\t[[Samples]]\n\n";
     for (Population const* const p : samples.populations.view()) {
         double const size = samples.GenotypicData ? p->sample_size() / 2.0 : p->sample_size();
@@ -43,6 +46,7 @@ std::ostream& operator<<(std::ostream& os, Samples const& samples) {
         }
         os << "\t\t}\n";
     }
+    os.precision(precision);
     return os;
 }
 

@@ -146,6 +146,24 @@ TEST(Cleaner, ExternalFilesWithAPathAndSmallLettersAreLeftAlone) {
     EXPECT_EQ(longer.line_has_external(), 0);
 }
 
+TEST(Cleaner, ACopyNeverTakesThePlaceOfAResultOrOfTheProject) {
+    ScratchDirectory scratch;
+    std::string project;
+    for (char const* const name : {"p.xml", "p.htm", "p.js", "p_main.htm", "p_tree.htm", "Tovenia_log.txt", "p.tvp"}) {
+        project += std::string("SampleData= EXTERN \"") + name + "\"\n";
+        scratch.write(name, "h1 3 ACGT\n");
+    }
+    scratch.write("p.tvp", project);
+    cleaner c;
+    c.execute(' ', "p.tvp");
+    EXPECT_EQ(c.orig_files.GetItemsInContainer(), 1);
+    EXPECT_EQ(scratch.read("p.res/p.tvp"), project);
+    for (char const* const name : {"p.xml", "p.htm", "p.js", "p_main.htm", "p_tree.htm", "Tovenia_log.txt"})
+        EXPECT_FALSE(scratch.has(std::string("p.res/") + name)) << name;
+    c.rm_clean_files();
+    EXPECT_TRUE(scratch.has("p.xml"));
+}
+
 TEST(Cleaner, AMissingExternalFileLeavesNothingBehind) {
     ScratchDirectory scratch;
     scratch.write("p.tvp", "HaplList= EXTERN \"absent.txt\"\n");

@@ -139,6 +139,10 @@ TEST(MantelReading, Faults) {
                   "\tInvalid value assigned to MatrixSize on line 1. Value of MatrixSize needs to be at least 3. "
                   "Aborting "
                   "reading project.\n"},
+             Case{head + labels + "MatrixSize=3\nMatrixSize=4\n",
+                  "\tMatrixSize found on line 8 differs from the size of the labels or matrices read before. Aborting "
+                  "reading project.\n"},
+             Case{head + matrix(1) + "MatrixSize=4\n", "\tMatrixSize found on line 8 differs from the size of"},
              Case{"MatrixNumber=4\n",
                   "Invalid value (4) assigned to MatrixNumber on line 1. Value needs to be either 2 or 3. Aborting "
                   "reading "

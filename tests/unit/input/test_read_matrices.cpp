@@ -250,6 +250,23 @@ TEST(DistanceMatrix, IsWrittenInProjectFileForm) {
               "\t\tMatrixData={\nA B \n   0.00000\n   1.25000   0.00000\n\t\t}\n");
 }
 
+TEST(DistanceMatrix, WhatIsWrittenIsReadAgainHoweverLargeTheValues) {
+    FreshProcess fresh;
+    fresh.keep(xmlOutput, false);
+    MatrixText const source(3, "A B C\n0\n999.99999 0\n1000 -1000 123456789.5 }");
+    ASSERT_EQ(source.result, 1) << source.log;
+    DistMat m(source.matrix);
+    std::ostringstream os;
+    os << m;
+    std::string const text = os.str();
+    EXPECT_TRUE(has(text, "\n   0.00000\n 999.99999   0.00000\n1000.00000 -1000.00000 123456789.50000\n")) << text;
+    MatrixText const again(3, text.substr(text.find('{') + 1));
+    ASSERT_EQ(again.result, 1) << again.log;
+    EXPECT_EQ(again.matrix(2, 0), 1000.0);
+    EXPECT_EQ(again.matrix(2, 1), -1000.0);
+    EXPECT_EQ(again.matrix(2, 2), 123456789.5);
+}
+
 TEST(DistanceMatrix, InXmlTheTriangleStandsInAnElement) {
     FreshProcess fresh;
     fresh.keep(xmlOutput, true);

@@ -224,6 +224,24 @@ TEST(Samples, FrequenciesThatCannotBeRead) {
     EXPECT_TRUE(none.logs("\tUnable to read haplotype \"H1\" frequency on line 13, aborting reading procedure\n"));
 }
 
+TEST(Samples, MoreGeneCopiesThanAnIntHoldsAreRefused) {
+    EXPECT_EQ(ProjectText(haplotypic("DNA", "H1 2000000000 ACGT\nH2 147483646 ACGA\n", "2147483646")).result, 1);
+    ProjectText const sum(haplotypic("DNA", "H1 2000000000 ACGT\nH2 147483647 ACGA\n"));
+    EXPECT_EQ(sum.result, 0);
+    EXPECT_TRUE(sum.logs("\tProblem reading haplotype frequency (\"147483647\") on line 14\n")) << sum.log;
+    ProjectText const individuals(genotypic("I1 1073741824 1\n2\n"));
+    EXPECT_EQ(individuals.result, 0);
+    EXPECT_TRUE(individuals.logs("\tProblem reading genotype frequency (\"1073741824\") on line 14\n"))
+        << individuals.log;
+    ProjectText const both(profile_text("DNA", 2) + "[[Samples]]\n" +
+                           sample_text("a", "2000000000", "H1 2000000000 ACGT\n") +
+                           sample_text("b", "147483647", "H1 147483647 ACGT\n"));
+    EXPECT_EQ(both.result, 0);
+    EXPECT_TRUE(both.logs("\tToo many gene copies up to sample \"b\". Aborting reading project.\n")) << both.log;
+    EXPECT_TRUE(both.logs("unable to read sample data"));
+    EXPECT_EQ(both.samples.NbPopulations(), 1);
+}
+
 TEST(Samples, ASectionBeforeTheClosingBraceIsError194) {
     for (char const* next : {"SampleName=\"b\"", "[[Structure]]", "[[Mantel]]"}) {
         ProjectText const t(profile_text("DNA") +
@@ -435,6 +453,9 @@ TEST(Samples, AMissingExternalFileStopsTheReading) {
     ProjectText const unnamed(profile_text("DNA") + "[[Samples]]\nSampleName=\"a\"\nSampleData= EXTERN absent.txt\n");
     EXPECT_EQ(unnamed.result, 0);
     EXPECT_TRUE(unnamed.logs("Line #11 : No open quote after keyword 'Extern sample data'\n"));
+    ProjectText const directory(profile_text("DNA") + "[[Samples]]\nSampleName=\"a\"\nSampleData= EXTERN \"..\"\n");
+    EXPECT_EQ(directory.result, 0);
+    EXPECT_TRUE(directory.logs("\tWarning: External file \"..\" listed on line 11 cannot be open.")) << directory.log;
 }
 
 TEST(Samples, ExploreWritesTheNames) {

@@ -224,5 +224,16 @@ TEST(AHaplFreq, MeanAndDeviationRelativeToTheSampleSize) {
     EXPECT_EQ(one.mean, 0.0);
 }
 
+TEST(AHaplFreq, DeviationOfEqualFrequenciesIsNeverTheRootOfANegativeNumber) {
+    for (int n = 2; n <= 40; ++n) {
+        AHaplFreq sum;
+        AHaplFreq each;
+        each.set_frequencies(0.1);
+        for (int i = 0; i < n; ++i) sum += each;
+        sum.calc_mean_freq(n, 1);
+        EXPECT_NEAR(sum.sd, 0.0, 1e-7) << n;  // a root of less than 0 is no number
+    }
+}
+
 }  // namespace
 }  // namespace tov

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <sstream>
 
+#include "base/special.h"
 #include "model_fixture.h"
 
 namespace tov {
@@ -146,6 +147,10 @@ TEST(TPhenDB, LogOfTheMultinomialCoefficientOfTruncatedCounts) {
     TPhenDB list;
     data.fill(list, {{"A", "A", 3.9}, {"A", "B", 2.0}});
     EXPECT_NEAR(list.calc_ln_multinom(), std::log(10.0), 1e-9);
+    TPhenDB huge;
+    data.fill(huge, {{"A", "A", 2e9}, {"A", "B", 2e9}});
+    EXPECT_DOUBLE_EQ(huge.calc_ln_multinom(), factln(2147483647) - 2.0 * factln(2000000000))
+        << "held at the largest int";
 }
 
 TEST(TPhenDB, MergingKeepsTheFirstOfEachClass) {

@@ -441,6 +441,14 @@ TEST_F(SamplesOf, HaplotypesAtDistanceZeroMergeWithinTheirClass) {
     std::ostringstream fault;
     samples.print_out_haplo_cl(&fault, matrix, &list, wrong);
     EXPECT_NE(fault.str().find("\n\tSamples::print_out_haplo_cl(): inconsistent class found.\n"), std::string::npos);
+    // Class 1 holds "a", and its own number stands in class 2.
+    int const headless[] = {1, 2, 2};
+    std::ostringstream other;
+    samples.print_out_haplo_cl(&other, matrix, &list, headless);
+    EXPECT_EQ(other.str(),
+              "\n\nHaplotype frequency distribution among the samples:\n"
+              "===================================================\n\n"
+              "\n\tSamples::print_out_haplo_cl():the number of class separator is not right.\n");
 }
 
 TEST_F(SamplesOf, SharedHaplotypesAreListed) {
@@ -480,6 +488,35 @@ TEST_F(SamplesOf, SectionOfAProjectFile) {
     os << samples;
     EXPECT_EQ(os.str(),
               "\n\t[[Samples]]\n\n\t\tSampleName=\"one\"\n\t\tSampleSize=3\n\t\tSampleData={\n\t\t\ta\t3\tAC\n\t\t}\n");
+}
+
+TEST_F(SamplesOf, SizesAndCountsAreWrittenWithAllDigits) {
+    add_haplotype(add_sample("one"), list, "a", "AC", 1234567);
+    std::ostringstream os;
+    os << samples;
+    EXPECT_NE(os.str().find("SampleSize=1234567\n"), std::string::npos) << os.str();
+    Samples genotypic;
+    genotypic.GenotypicData = 1;
+    genotypic.Add(new Population(my_string("two")));
+    add_individual(*genotypic[0], "1 2", "1 3", 1234567.5);
+    genotypic[0]->set_sample_size(2469135.0);
+    std::ostringstream individuals;
+    individuals << genotypic << 1.0 / 3.0;
+    EXPECT_NE(individuals.str().find("SampleSize=1234567.5\n"), std::string::npos) << individuals.str();
+    EXPECT_NE(individuals.str().find("\t1234567.5\t1 2\n"), std::string::npos) << individuals.str();
+    EXPECT_TRUE(individuals.str().ends_with("}\n0.333333")) << "the stream's own precision is back";
+}
+
+TEST_F(SamplesOf, MoreIndividualsThanMemoryHoldsAreNotTurnedIntoHaplotypes) {
+    for (char const* const name : {"one", "two"}) {
+        Population& sample = add_sample(name);
+        make_genotypic(sample, data.db);
+        add_individual(sample, "1", "2", most_individuals / 2 + 1);
+    }
+    EXPECT_THROW(samples.phen_to_gam(list, nullptr, nullptr), ExceptionType);
+    EXPECT_EQ(Reports::codes(), std::vector<int>{0});
+    EXPECT_EQ(Reports::origins(), std::vector<std::string>{"Samples::phen_to_gam()"});
+    EXPECT_EQ(list.size(), 0);
 }
 
 class CountingPopulation : public Population {
