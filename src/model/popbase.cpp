@@ -45,8 +45,6 @@ void Population::initialize() {
 }
 
 void Population::clean() {
-    permutation_counts = std::vector<double>();
-    existing_haplotypes = std::vector<int>();
     phenotypes.destroy();
     haplotypes.Flush();
     gene_copies.Flush();

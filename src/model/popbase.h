@@ -44,7 +44,7 @@ public:
     virtual int evaluate_polymorphism(settings const& s);
     /// Back to an empty sample: no data, name empty, index -1.
     virtual void initialize();
-    /// Releases phenotypes, both haplotype lists, the pool, the site flags and the permutation vectors.
+    /// Releases phenotypes, both haplotype lists, the pool and the site flags.
     virtual void clean();
 
     // --- Accessors ---
@@ -172,17 +172,6 @@ public:
     // --- Heterozygosity of genotypes (diversity) ---
     void compute_phenotype_heterozygosity(settings& s, TPhenDB const& ph);
 
-    // --- Counts by haplotype number, for permutations (structure) ---
-    /// Two vectors of n zeroed entries.
-    void CreatePermutationVectors(int n);
-    void free_permutation_vectors();
-    /// Counts the haplotype numbers h[0 .. nb_gene_copies). Reports code 2 for a number out of range.
-    void SetUpVectorsAfterPermutation(int* h);
-    void SetUpVectorOfExistingHaplotypes();
-    double const& ComputeSSDWP(DistMat const& matrix);
-    double SSDWP_div_freq(DistMat const& matrix);
-    double ComputeSSDAP(Population const& other, DistMat const& matrix) const;
-
     // --- Data ---
     std::vector<int> polym_sites;  ///< one flag a site; empty before evaluate_polymorphism
     ProfileSettings profile;       ///< the sample's copy of the profile
@@ -202,14 +191,8 @@ public:
     double degrees_of_freedom = 0.0;         ///< of the last test of linkage disequilibrium with unknown phase
     ContingencyTable table;                  ///< of the Hardy-Weinberg and linkage tests, while one runs
     int monomorphic = 0;                     ///< the locus just tested had a single allele
-    std::vector<double> permutation_counts;  ///< copies by haplotype number
-    std::vector<int> existing_haplotypes;    ///< numbers with copies
-    double ssd_within = 0.0;                 ///< left by ComputeSSDWP
-    double ssd_within_div = 0.0;             ///< the same divided by nb_gene_copies
 
 private:
-    void copy_phenotypes_of(Population const& other);
-
     double sample_size_ = 0.0;
     double inverse_sample_size_ = 0.0;
     double longitude_ = 0.0;

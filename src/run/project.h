@@ -166,7 +166,6 @@ private:
     [[nodiscard]] bool phase_known_or_haplotypic() const;
 
     // Steps of the distance functions (project_distances.cpp).
-    void print_network();
     int calc_dist_matrix(Haplo_DB& list, int method, double gamma, bool report_loci);
     std::unique_ptr<Population> analyse_list(Haplo_DB& list, int method, double gamma);
     bool find_redundancy_matrix();

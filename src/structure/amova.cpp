@@ -230,22 +230,36 @@ void Amova::initialize(AmovaInput input) {
 std::vector<int> Amova::load_HaplotypeIndexVector(int known) const {
     std::vector<int> genes;
     for (Population const* const population : populations_) {
-        int position = 0;
         for (int k = 0; k < population->nb_haplotypes(); ++k) {
             PHaploDef const& entry = population->haplotype(k);
-            int h = entry.haplotype->matrix_index;
-            if ((h < 0 || h >= known) && entry.copies > 0) {
-                *_AOS_ << "Abnormal behaviour for pop:" << population->pop_name()
-                       << "\nnb_gene_copies=" << population->nb_gene_copies << " HDB.Nb_haplo"
-                       << view_.haplotypes->size() << position << " H_vect:" << h;
-                E.error(ErrorType::Error, "Population::SetUpVectorsAfterPermutation", 2);
-                h = known;
-            }
-            genes.insert(genes.end(), std::max(entry.copies, 0), h);
-            position += entry.copies;
+            genes.insert(genes.end(), std::max(entry.copies, 0), entry.haplotype->matrix_index);
         }
     }
+    distribute_HaplotypeIndexVector(genes, known);
     return genes;
+}
+
+void Amova::distribute_HaplotypeIndexVector(std::span<int> genes, int known) const {
+    std::size_t begin = 0;
+    for (Population const* const population : populations_) {
+        auto const copies = std::min(static_cast<std::size_t>(std::max(population->nb_gene_copies, 0.0)),
+                                     genes.size() - begin);
+        SetUpVectorsAfterPermutation(*population, genes.subspan(begin, copies), known, view_.haplotypes->size());
+        begin += copies;
+    }
+}
+
+void SetUpVectorsAfterPermutation(Population const& population, std::span<int> slice, int known, int listed) {
+    for (std::size_t k = 0; k < slice.size(); ++k) {
+        if (slice[k] >= 0 && slice[k] < known) {
+            continue;
+        }
+        *_AOS_ << "Abnormal behaviour for pop:" << population.pop_name()
+               << "\nnb_gene_copies=" << population.nb_gene_copies << " HDB.Nb_haplo" << listed << k
+               << " H_vect:" << slice[k];
+        E.error(ErrorType::Error, "Population::SetUpVectorsAfterPermutation", 2);
+        slice[k] = known;
+    }
 }
 
 void Amova::print_introduction() {

@@ -112,6 +112,7 @@ private:
     void initialize(AmovaInput input);
     [[nodiscard]] AmovaInput gather_input();
     [[nodiscard]] std::vector<int> load_HaplotypeIndexVector(int known) const;
+    void distribute_HaplotypeIndexVector(std::span<int> genes, int known) const;
     [[nodiscard]] int select_design() const;
     void run_selected_design();
     void print_introduction();
@@ -193,6 +194,13 @@ private:
     std::vector<FloatsAndPops> local_orders_;
     std::array<std::vector<double>, 4> sorted_null_;  ///< by component, for the histogram
 };
+
+/// Looks through the haplotype numbers of a sample's gene copies: one without a row of the distance matrix is told in the
+/// log, reported as code 2 and becomes `known`, which counts nowhere.
+///
+/// @param known   rows of the matrix.
+/// @param listed  haplotypes of the project.
+void SetUpVectorsAfterPermutation(Population const& population, std::span<int> slice, int known, int listed);
 
 /// Project::AMOVA: associates the distance matrix with the haplotypes, numbers the populations and runs an Amova.
 /// Reports 134, 135. @return 1 or 0.

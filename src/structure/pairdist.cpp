@@ -48,14 +48,14 @@ PairTasks tasks_of(settings& set, bool phase_known) {
     return tasks;
 }
 
-/// Haplotype numbers of a sample's gene copies, each entry as many times as its count; unknown numbers become `known`.
-std::vector<int> gene_copies_of(Population const& population, int known) {
+/// Haplotype numbers of a sample's gene copies, each entry as many times as its count.
+std::vector<int> gene_copies_of(Population const& population, int known, int listed) {
     std::vector<int> genes;
     for (int k = 0; k < population.nb_haplotypes(); ++k) {
         PHaploDef const& entry = population.haplotype(k);
-        int const h = entry.haplotype->matrix_index;
-        genes.insert(genes.end(), std::max(entry.copies, 0), h < 0 || h > known ? known : h);
+        genes.insert(genes.end(), std::max(entry.copies, 0), entry.haplotype->matrix_index);
     }
+    SetUpVectorsAfterPermutation(population, genes, known, listed);
     return genes;
 }
 
@@ -252,8 +252,8 @@ int Amova::CalcPairDist() {
     settings::print_message();
     std::clock_t const start = std::clock();
     std::vector<std::vector<int>> genes;
-    for (int i = 0; i < R; ++i) {
-        genes.push_back(gene_copies_of(*samples[i], distances_.size()));
+    for (int i = 0; i < R && tasks.fst; ++i) {
+        genes.push_back(gene_copies_of(*samples[i], distances_.size(), view_.haplotypes->size()));
     }
     auto const sizes = tasks.delta_mu ? allele_sizes(samples) : std::vector<std::vector<double>>();
     PairRun pairs(set, tasks, *results);

@@ -12,15 +12,15 @@ namespace tov {
 namespace {
 
 /// Haplotypes of a slice with their counts, ascending.
-struct Counted {
+struct ExistingHaplotypes {
     std::vector<int> haplotype;
     std::vector<double> count;
 };
 
-Counted count_copies(std::span<int const> genes, int n) {
+ExistingHaplotypes SetUpVectorOfExistingHaplotypes(std::span<int const> genes, int n) {
     std::vector<int> sorted(genes.begin(), genes.end());
     std::sort(sorted.begin(), sorted.end());
-    Counted result;
+    ExistingHaplotypes result;
     for (int const h : sorted) {
         if (h >= n) {
             break;
@@ -34,7 +34,8 @@ Counted count_copies(std::span<int const> genes, int n) {
     return result;
 }
 
-double within_counted(PairDistances const& d, Counted const& c) {
+/// Sum over haplotypes i of 0.5 f_i (f_i - 1) d(i,i) + sum over later j of f_i f_j d(i,j).
+double ComputeSSDWP(PairDistances const& d, ExistingHaplotypes const& c) {
     double sum = 0.0;
     for (std::size_t i = 0; i < c.haplotype.size(); ++i) {
         double const f = c.count[i];
@@ -46,7 +47,8 @@ double within_counted(PairDistances const& d, Counted const& c) {
     return sum;
 }
 
-double among_counted(PairDistances const& d, Counted const& a, Counted const& b) {
+/// Sum over haplotypes i of one population and j of the other of f_i g_j d(i,j).
+double ComputeSSDAP(PairDistances const& d, ExistingHaplotypes const& a, ExistingHaplotypes const& b) {
     double sum = 0.0;
     for (std::size_t i = 0; i < a.haplotype.size(); ++i) {
         for (std::size_t j = 0; j < b.haplotype.size(); ++j) {
@@ -108,10 +110,6 @@ std::vector<GeneSlice> gene_slices(std::span<double const> copies, int length) {
         begin += static_cast<int>(np);
     }
     return slices;
-}
-
-double among_sum(PairDistances const& distances, std::span<int const> a, std::span<int const> b) {
-    return among_counted(distances, count_copies(a, distances.size()), count_copies(b, distances.size()));
 }
 
 namespace {
@@ -187,16 +185,16 @@ std::vector<double> population_sums(PairDistances const& distances, std::span<Ge
     if (distances.size() <= 16) {
         return dense_population_sums(distances, slices, genes);
     }
-    std::vector<Counted> counted;
+    std::vector<ExistingHaplotypes> counted;
     for (GeneSlice const& slice : slices) {
-        counted.push_back(count_copies(genes.subspan(slice.begin, slice.end - slice.begin), distances.size()));
+        counted.push_back(SetUpVectorOfExistingHaplotypes(genes.subspan(slice.begin, slice.end - slice.begin), distances.size()));
     }
     std::vector<double> sums;
     for (std::size_t p = 0; p < slices.size(); ++p) {
         for (std::size_t q = 0; q < p; ++q) {
-            sums.push_back(among_counted(distances, counted[p], counted[q]));
+            sums.push_back(ComputeSSDAP(distances, counted[p], counted[q]));
         }
-        sums.push_back(within_counted(distances, counted[p]));
+        sums.push_back(ComputeSSDWP(distances, counted[p]));
     }
     return sums;
 }

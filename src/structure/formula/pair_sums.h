@@ -57,9 +57,6 @@ struct GeneSlice {
 /// @param length  entries of the gene vector; no slice reaches beyond.
 [[nodiscard]] std::vector<GeneSlice> gene_slices(std::span<double const> copies, int length);
 
-/// Sum over pairs of one copy of each slice: sum over i of f_i g_j d(i,j), both ascending.
-[[nodiscard]] double among_sum(PairDistances const& distances, std::span<int const> a, std::span<int const> b);
-
 /// Populations by populations, lower triangle row by row: within sums on the diagonal, among sums elsewhere.
 ///
 /// @return  P (P + 1) / 2 values; element (p, q), q <= p, at p (p + 1) / 2 + q.
