@@ -5,8 +5,6 @@ namespace tov {
 
 double genotype_log_likelihood(std::span<AllelePair const> genotype, std::span<double const> frequencies,
                                double floor_frequency) noexcept {
-    constexpr double small = 1e-200;
-    double sum = 0.0;
     double product = 1.0;
     for (AllelePair const& locus : genotype) {
         if (locus.first < 0 || locus.second < 0) {
@@ -20,12 +18,8 @@ double genotype_log_likelihood(std::span<AllelePair const> genotype, std::span<d
         if (locus.first != locus.second) {
             product *= 2.0;
         }
-        if (product < small) {
-            sum += std::log(product);
-            product = 1.0;
-        }
     }
-    return sum + std::log(product);
+    return std::log(product);
 }
 
 }  // namespace tov

