@@ -42,7 +42,6 @@ public:
     /// Frequencies of the haplotypes that differ by their pairwise differences; computed once a run. Overwrites the
     /// sample's matrix.
     MY_TISArrayAsVector<AHaplFreq>& frequencies_of_real_haplotypes();
-    [[nodiscard]] bool real_haplotypes_known() const { return real_frequencies_ != nullptr; }
     /// Haplotypes, or genotypes with known phase.
     [[nodiscard]] bool haplotypes_known() const;
     /// The number of distinct haplotypes before equal ones were merged is printed too.

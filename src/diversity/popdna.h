@@ -70,8 +70,6 @@ public:
     void set_transition_weight(double const& w) { weights_.transition = w; }
     void set_transversion_weight(double const& w) { weights_.transversion = w; }
     void set_deletion_weight(double const& w) { weights_.deletion = w; }
-    [[nodiscard]] distance_method get_distance_method() const { return distance_method_; }
-    [[nodiscard]] double gamma_correction() const { return gamma_a_; }
     [[nodiscard]] SiteWeights const& weights() const { return weights_; }
 
     // --- Distance of one pair; the answer is in pair() ---

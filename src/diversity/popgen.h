@@ -134,8 +134,6 @@ public:
     [[nodiscard]] int numPolymSites() const { return num_polym_sites_; }
     /// Sites that Theta(S) and Tajima's test count: sites with substitutions in DNA, polymorphic sites otherwise.
     [[nodiscard]] virtual int segregating_sites() const { return num_polym_sites_; }
-    /// The data are haplotypes, or genotypes with known gametic phase.
-    [[nodiscard]] bool haplotypic_or_phase_known() const { return phase_known(); }
     [[nodiscard]] int nb_loci() const { return nb_loci_; }
     /// Flag of a locus: non-zero when its share of missing data is within the allowed level; 0 outside the array.
     [[nodiscard]] int usableSite(int locus) const;

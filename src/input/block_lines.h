@@ -38,8 +38,6 @@ public:
     [[nodiscard]] std::string_view text() const noexcept { return text_; }
     /// A closing brace was met, on this line or at the end.
     [[nodiscard]] bool closed() const noexcept { return closed_; }
-    /// An opening brace was met.
-    [[nodiscard]] bool opened() const noexcept { return open_; }
     [[nodiscard]] int number() const noexcept { return line_; }
 
 private:

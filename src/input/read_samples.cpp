@@ -45,7 +45,6 @@ private:
     bool read_name(my_string const& text);
     void read_size(my_string const& text);
     bool read_data(my_string const& text);
-    bool open_external(my_string const& text, my_string& name);
     bool read_population(std::istream& is, int& line, bool external, my_string& first_text);
     std::unique_ptr<Population> new_sample();
     void rename_if_taken(Population& sample);

@@ -57,7 +57,6 @@ public:
     void release_group_freq() noexcept { std::vector<double>().swap(group_freq_); }
 
     [[nodiscard]] int pop_freq_slots() const noexcept { return static_cast<int>(pop_freq_.size()); }
-    [[nodiscard]] int group_freq_slots() const noexcept { return static_cast<int>(group_freq_.size()); }
 
     /// Adds copies of a sample to the running count.
     void count(double copies) noexcept {

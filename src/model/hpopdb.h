@@ -47,7 +47,6 @@ public:
     void set_blank(int blank) noexcept { blank_ = blank; }
     [[nodiscard]] double ibd_freq() const noexcept { return ibd_freq_; }
     void set_ibd_freq(double freq) noexcept { ibd_freq_ = freq; }
-    void inc_ibd_freq(double freq) noexcept { ibd_freq_ += freq; }
     [[nodiscard]] int homo_count() const noexcept { return homo_count_; }
     void set_homo_freq(int count) noexcept { homo_count_ = count; }
     [[nodiscard]] bool was_compared() const noexcept { return compared_; }

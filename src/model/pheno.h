@@ -97,9 +97,8 @@ public:
     void set_phen_proba(double proba) noexcept { phen_proba_ = proba; }
     [[nodiscard]] int is_redundant() const noexcept { return redundant_; }
     void set_redundant(int redundant) noexcept { redundant_ = redundant; }
-    /// Number of heterozygous loci as last counted or set.
+    /// Number of heterozygous loci as last counted.
     [[nodiscard]] int no_polym_loci() const noexcept { return hetero_loci_; }
-    void set_no_polym_loci(int n) noexcept { hetero_loci_ = n; }
     /// No heterozygous locus, in a sample without recessive alleles (set when the genotypes are built).
     [[nodiscard]] int is_homozygote() const noexcept { return homozygote_; }
     void set_homozygote(int homozygote) noexcept { homozygote_ = homozygote; }
@@ -132,7 +131,6 @@ public:
     static void binary_inc(int* bits, int const& n);
     /// Number of genotypes when it is known, else 2^(h - 1) (1 for h < 2).
     std::int64_t genot_exp_count();
-    void set_genot_count(std::int64_t n) noexcept { genotype_count_ = n; }
     /// Bits of the counter that build_genotypes() runs through: it tries 2^bits candidates. Reads the number of
     /// heterozygous loci from its field.
     [[nodiscard]] int candidate_bits(TAlleleDB const* db, int recessive) const;

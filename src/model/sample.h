@@ -85,10 +85,6 @@ public:
     void computeAndOutputAlleFreqPerPop(settings& s);
     void print_computation_anchor(int level, settings& s, my_string const& entry, my_string const& anchor);
 
-    // --- One locus (structure) ---
-    /// @return 1, or 0 when the locus can't be used.
-    int build_one_loci_sample(int locus, Samples* out, Structure* structure, Haplo_DB* outHaplotypes);
-
     MY_TIArrayAsVector<Population> populations;  ///< owned
     Project* project = nullptr;                  ///< borrowed
     int pooled = 0;                              ///< the samples are pooled groups

@@ -16,8 +16,6 @@ namespace tov {
 
 namespace {
 
-constexpr std::string_view log_file_name = "Tovenia_log.txt";
-
 /// The foot of an XML document behind the "</data>" that ends the text of its last run.
 std::string xml_tail() { return "\n\n" + TovXmlTags::rootTag.end() + "\n"; }
 

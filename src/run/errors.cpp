@@ -94,7 +94,7 @@ my_string results_directory(my_string const& project) {
     return directory + ".res/";
 }
 
-my_string buildToveniaLogFileName(my_string const& project) { return results_directory(project) + "Tovenia_log.txt"; }
+my_string buildToveniaLogFileName(my_string const& project) { return results_directory(project) + log_file_name; }
 
 int create_log_dir(char const* directory, char const* project, my_string& log_dir) {
     if (!std::ifstream(project)) {

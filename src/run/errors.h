@@ -70,7 +70,9 @@ extern std::ostream* _AOS_;
 
 /// `<project>.res/` of `<project>.tvp`.
 [[nodiscard]] my_string results_directory(my_string const& project);
-/// `<project>.res/Tovenia_log.txt` of `<project>.tvp`.
+/// Name of the log in the results directory of a project, and beside the source of a translation.
+inline constexpr char log_file_name[] = "Tovenia_log.txt";
+/// Path of a project's log: the name above in `<project>.res/`.
 [[nodiscard]] my_string buildToveniaLogFileName(my_string const& project);
 /// Makes the results directory of a project.
 ///

@@ -1,5 +1,4 @@
 // Project: the steps of one run, one function each, in the order of their calls.
-#include <array>
 #include <cstdio>
 #include <ctime>
 #include <fstream>
@@ -31,16 +30,6 @@
 
 namespace tov {
 namespace {
-
-constexpr char time_format[] = "%d/%m/%y at %H:%M:%S";
-constexpr char end_time_format[] = "%d/%m/%y at %H:%M:%S)";
-
-std::string local_time_text(char const* format) {
-    std::time_t const now = std::time(nullptr);
-    std::array<char, 80> text{};
-    std::size_t const length = std::strftime(text.data(), text.size(), format, std::localtime(&now));
-    return {text.data(), length};
-}
 
 std::string without_blanks(std::string text) {
     std::erase(text, ' ');
@@ -395,7 +384,8 @@ void Project::detect_selection() {
 }
 
 void Project::end_run(RunFrame& frame) {
-    std::string const end_time = local_time_text(end_time_format);
+    // kept on purpose: two parentheses close after the time, this one and that of the line.
+    std::string const end_time = local_time_text(time_format) + ')';
     LocusSeparator = frame.locus_separator;
     clean();
     frame.cleaned.rm_clean_files();

@@ -32,8 +32,7 @@ std::unique_ptr<Project> project_owner;
 enum class Turn { go_on, leave };
 
 /// Opens the log of a project or a translation and writes its two head lines.
-void begin_log(std::string const& log_directory) {
-    std::string const path = log_directory + "Tovenia_log.txt";
+void begin_log(std::string const& path) {
     E.init_log_file(path.c_str(), false);
     *_AOS_ << "Log file path: " << path << "\nCore Routine Directory: " << ToveniaExeDirectory << std::endl;
 }
@@ -45,7 +44,7 @@ void begin_log(std::string const& log_directory) {
 Turn set_up_project(RunDirective directive) {
     my_string log_directory;
     if (!create_log_dir(ToveniaExeDirectory.c_str(), proj_file.c_str(), log_directory)) return Turn::leave;
-    begin_log(log_directory.c_str());
+    begin_log(buildToveniaLogFileName(my_string(proj_file)).str());
     // With associated settings the file in force is the project's own, looked for later.
     if (directive != RunDirective::explore && directive != RunDirective::associated_settings && !file_opens(set_file)) {
         *_AOS_ << "Core Routine did not find its settings in:\n    " << set_file << std::endl;
@@ -169,7 +168,7 @@ void translate(RunList& list) {
         list.read(*line, RunList::path_length);
     imp_exp translator;
     translator.project = PPP;
-    begin_log(directory_of(request.source));
+    begin_log(directory_of(request.source) + log_file_name);
     initialize_ran3(1);
     read_format_lines(list, request.source_format, translator);
     translator.set_export_dir(ToveniaExeDirectory.c_str());

@@ -26,13 +26,6 @@ ObservedFixation observed_fixation;
 
 namespace {
 
-std::string creation_time() {
-    std::time_t const now = std::time(nullptr);
-    char text[81];
-    std::size_t const length = std::strftime(text, sizeof text, "%d/%m/%y at %H:%M:%S", std::localtime(&now));
-    return {text, length};
-}
-
 /// The AMOVA itself is asked for.
 bool amova_wanted(settings const& set) {
     return set.wants(task::amova) && (set.HaplAMOVA != 0 || set.LocByLocAMOVA != 0);
@@ -148,7 +141,7 @@ Amova::Amova(ProjectView const& view, amova_results* results)
     if (!machinery_wanted(set)) {
         return;
     }
-    time_text_ = creation_time();
+    time_text_ = local_time_text(time_format);
     if (distances_wanted(view_)) {
         initialize(gather_input());
     }

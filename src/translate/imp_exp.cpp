@@ -1,14 +1,13 @@
 // Translation between the project format and foreign data formats.
 #include "translate/imp_exp.h"
 
-#include <array>
 #include <cstdint>
-#include <ctime>
 #include <filesystem>
 #include <string_view>
 #include <system_error>
 
 #include "base/scoped_swap.h"
+#include "base/timing.h"
 #include "input/block_lines.h"
 #include "input/cleaner.h"
 #include "input/line_text.h"
@@ -125,11 +124,8 @@ void imp_exp::read_format() {
 }
 
 void imp_exp::create_header() {
-    std::time_t const now = std::time(nullptr);
-    std::array<char, 80> text{};
     // kept on purpose: the century and the parenthesis belong to the format that readers of these files know.
-    std::size_t const length = std::strftime(text.data(), text.size(), "%d/%m/19%y at %H:%M:%S)", std::localtime(&now));
-    *out_ << "#File created by Tovenia translator on " << std::string_view(text.data(), length)
+    *out_ << "#File created by Tovenia translator on " << local_time_text("%d/%m/19%y at %H:%M:%S)")
           << "\n#The input file was \"" << source_ << "\"  with format ";
     for (FormatRow const& row : formats)
         if (row.number == format_) *out_ << row.in_header;
