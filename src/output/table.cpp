@@ -151,12 +151,7 @@ void framed_row(std::ostream& out, std::span<std::string const> labels, std::spa
     out << form.tail << '\n' << line << '\n';
 }
 
-// --- Rows of numbers, percentiles ---
-
-void number_row(std::ostream& out, std::span<double const> values, int width, int precision) {
-    for (double const value : values) out << num{value, width, precision};
-    out << '\n';
-}
+// --- Intervals, percentiles ---
 
 void interval_row(std::ostream& out, std::string_view text, std::initializer_list<double> values) {
     out << label{text, 27};

@@ -114,10 +114,7 @@ struct FramedRowForm {
 void framed_row(std::ostream& out, std::span<std::string const> labels, std::span<double const> values,
                 FramedRowForm const& form = {});
 
-// --- Rows of numbers, percentiles ---
-
-/// Values of one width and precision side by side, then a line end.
-void number_row(std::ostream& out, std::span<double const> values, int width, int precision);
+// --- Intervals, percentiles ---
 
 /// A row of a table of confidence intervals: label of width 27, then the values (estimate, lower and upper bound,
 /// mean) of width 16 and precision 3, and a line end.

@@ -117,7 +117,7 @@ private:
     void run_selected_design();
     void print_introduction();
 
-    // --- Designs (amova1.cpp .. amova8.cpp) ---
+    // --- Designs (amova1.cpp .. amova8.cpp; the first line of each tells which) ---
     int AMOVA_1G_P_H();
     int AMOVA_1G_P_IH();
     int AMOVA_1G_P_I();
@@ -125,6 +125,7 @@ private:
     int AMOVA_G_P_H();
     int AMOVA_G_P_IH();
     int AMOVA_G_P_I();
+    // Haplotypes of genotypes whose phase is unknown have no analysis: nothing is computed or printed.
     int AMOVA_1G_P_RIH() { return 1; }
     int AMOVA_G_P_RIH() { return 1; }
     int one_group_of_haplotypes(PermutationScheme scheme, int case_number);

@@ -39,7 +39,8 @@ inline constexpr double permutation_tolerance = 1e-10;
 
 /// Counts hits in batches that are filled in turn: the first permutation goes to batch 1, and so on, round robin.
 ///
-/// @tparam Real  type of the sums: float in the AMOVA, double between populations (kept on purpose: the digits differ); the root is double.
+/// @tparam Real  type of the sums: float in the AMOVA, double between populations; the root is double. Kept on purpose:
+///               the digits differ.
 template <class Real>
 class BatchCounter {
 public:
