@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -247,6 +248,8 @@ struct PlaneCase {
     char const* alphabet;
     char missing;
 };
+
+void PrintTo(PlaneCase const& c, std::ostream* out) { *out << c.alphabet << " missing " << c.missing; }
 
 class NucleotidePlanesOver : public testing::TestWithParam<PlaneCase> {};
 

@@ -6,6 +6,7 @@
 #include <cmath>
 #include <functional>
 #include <memory>
+#include <ostream>
 #include <random>
 #include <string>
 
@@ -479,6 +480,8 @@ struct UniformCase {
     std::vector<int> groups;
     std::vector<AmovaIndexSlot> indices;
 };
+
+void PrintTo(UniformCase const& c, std::ostream* out) { *out << c.name; }
 
 class RandomSplit : public ::testing::TestWithParam<UniformCase> {};
 

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cmath>
 #include <fstream>
+#include <ostream>
 #include <sstream>
 
 #include "base/scoped_swap.h"
@@ -89,6 +90,11 @@ struct PipelineCase {
     int method;
     double least_derived;
 };
+
+void PrintTo(PipelineCase const& c, std::ostream* out) {
+    *out << c.type << (c.genotypic ? " genotypes" : " haplotypes") << (c.groups ? " in groups" : "")
+         << (c.individuals ? " with individuals" : "") << " method " << c.method << " from " << c.least_derived;
+}
 
 class SimulatedLociOf : public ::testing::TestWithParam<PipelineCase> {};
 
@@ -276,6 +282,11 @@ struct NeutralCase {
     double fct;
     double least_derived;
 };
+
+void PrintTo(NeutralCase const& c, std::ostream* out) {
+    *out << c.type << (c.genotypic ? " genotypes" : " haplotypes") << (c.groups ? " in groups" : "") << " FST " << c.fst
+         << " FCT " << c.fct << " from " << c.least_derived;
+}
 
 class NeutralLociOf : public ::testing::TestWithParam<NeutralCase> {
 protected:
