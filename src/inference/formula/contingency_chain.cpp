@@ -31,12 +31,6 @@ double batch_deviation(std::span<double const> shares, std::size_t n, double p) 
     return std::sqrt(sum / ((size - 1.0) * size));
 }
 
-int draw_other_index(DrawBlock& draws, int n, int taken) noexcept {
-    int x = taken;
-    while (x == taken) x = index_of(draws.draw(), n);
-    return x;
-}
-
 // --- Chains on the two kinds of tables ---
 
 namespace {

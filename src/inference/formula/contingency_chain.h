@@ -66,28 +66,34 @@ inline constexpr std::ptrdiff_t step_look_ahead = 16;
 /// Whole number 0 .. n - 1 that a draw stands for. (u <= 1 - 1e-9, so that n u never rounds up to n.)
 [[gnu::always_inline]] inline int index_of(double u, int n) noexcept { return static_cast<int>(n * u); }
 
-/// Draws until the number is not `taken`.
-int draw_other_index(DrawBlock& draws, int n, int taken) noexcept;
-
-/// take_other_index() with a look at `Tries` numbers at once; `index` is the index_of() to take.
-template <int Tries, class Index>
-[[gnu::always_inline]] inline int take_of_tries(DrawBlock& draws, double const*& next, int n, int taken,
-                                                Index index) noexcept {
+/// The first of `Tries` tries, try_at(0) onwards, that is not `taken`, or `taken` if all are refused; `spent` tells how
+/// many it took.
+template <int Tries, class TryAt>
+[[gnu::always_inline]] inline int first_other(TryAt try_at, int taken, int& spent) noexcept {
     int x = taken;
-    int spent = 0;
     int refused = 1;  // all tries so far
+    spent = 0;
     for (int k = 0; k < Tries; ++k) {
-        int const y = index(next[k]);
+        int const y = try_at(k);
         x = pick(refused, y, x);
         spent += refused;
         refused &= static_cast<int>(y == taken);
     }
+    return x;
+}
+
+/// take_other_index() with a look at `Tries` numbers at once; `index` is the index_of() to take.
+template <int Tries, class Index>
+[[gnu::always_inline]] inline int take_of_tries(DrawBlock& draws, double const*& next, int taken,
+                                                Index index) noexcept {
+    int spent;
+    int x = first_other<Tries>([&](int k) { return index(next[k]); }, taken, spent);
     next += spent;
-    if (x == taken) [[unlikely]] {
+    while (x == taken) [[unlikely]] {
         draws.use_until(next);
-        x = draw_other_index(draws, n, taken);
         draws.require(step_look_ahead);
         next = draws.ahead();
+        x = index(*next++);
     }
     return x;
 }
@@ -96,16 +102,47 @@ template <int Tries, class Index>
 ///
 /// A try is refused with chance 1 / n: the smaller n, the more tries are worth a look.
 [[gnu::always_inline]] inline int take_other_index(DrawBlock& draws, double const*& next, int n, int taken) noexcept {
-    if (n == 2) return take_of_tries<4>(draws, next, n, taken, [](double u) { return static_cast<int>(u >= 0.5); });
+    if (n == 2) return take_of_tries<4>(draws, next, taken, [](double u) { return static_cast<int>(u >= 0.5); });
     auto const index = [n](double u) { return index_of(u, n); };
-    if (n <= 4) return take_of_tries<2>(draws, next, n, taken, index);
-    return take_of_tries<1>(draws, next, n, taken, index);
+    if (n <= 4) return take_of_tries<2>(draws, next, taken, index);
+    return take_of_tries<1>(draws, next, taken, index);
+}
+
+/// A row and a column.
+struct Place {
+    int row;
+    int column;
+};
+
+/// A row other than that of `taken`, then a column other than its. Draws: those of take_other_index for either.
+///
+/// The row tells where the tries for the column begin. If either has three or four to choose from, all tries that the
+/// column may need are made before that is known, and the row only tells which of them count.
+[[gnu::always_inline]] inline Place take_other_place(DrawBlock& draws, double const*& next, int rows, int columns,
+                                                     Place taken) noexcept {
+    int const fewer = std::min(rows, columns);
+    if (fewer == 3 || fewer == 4) {
+        auto const row_at = [&](int k) { return index_of(next[k], rows); };
+        auto const column_at = [&](int k) { return index_of(next[k], columns); };
+        int const ahead[] = {column_at(1), column_at(2), column_at(3)};
+        int in_row;
+        int in_column;
+        int const row = first_other<2>(row_at, taken.row, in_row);
+        int const column = first_other<2>([&](int k) { return ahead[in_row - 1 + k]; }, taken.column, in_column);
+        if ((row != taken.row) & (column != taken.column)) [[likely]] {
+            next += in_row + in_column;
+            return {row, column};
+        }
+    }
+    int const row = take_other_index(draws, next, rows, taken.row);
+    int const column = take_other_index(draws, next, columns, taken.column);
+    return {row, column};
 }
 
 /// Above 0 if above / below, as a double, is larger than u; 0 if they are equal; below 0 if it is smaller.
 ///
 /// @param above, below, u  >= 0, below > 0.
-/// The step would wait for a division. u below tells as much at once, unless it lies so near to above that the roundings
+/// The step would wait for a division. u below tells as much sooner, unless it lies so near to above that the roundings
 /// of the product and of the quotient, 2^-53 each, could tell differently; then the quotient itself is taken.
 [[gnu::always_inline]] inline double quotient_against(double u, double above, double below) noexcept {
     constexpr double near = 0x1p-50;
@@ -132,8 +169,7 @@ template <int Tries, class Index>
     int const k = t.rows();
     int const i = index_of(*next++, k);
     int const j = index_of(*next++, k);
-    int const m = take_other_index(draws, next, k, i);
-    int const l = take_other_index(draws, next, k, j);
+    auto const [m, l] = take_other_place(draws, next, k, k, {i, j});
     double const u = *next++;
     draws.use_until(next);
     int& a = t.genotype(i, j);
@@ -160,6 +196,9 @@ template <int Tries, class Index>
     return {taken ? above / below : 1.0, change & -FixedLn{taken}};
 }
 
+/// Whole numbers up to it are doubles.
+inline constexpr std::int64_t exact_in_double = std::int64_t{1} << 53;
+
 /// Metropolis step between cells (i, j), (m, l) and (i, l), (m, j) of a two-way table: one copy leaves each of the
 /// first two and goes to the others; the ratio is A D / ((C + 1) (B + 1)). A ratio of 1 or more is accepted without a
 /// draw, one of 0 spends it. Draws: none or one, from `next` on.
@@ -175,8 +214,12 @@ template <int Tries, class Index>
     std::int64_t const in2 = std::int64_t{b} + 1;
     auto const above = static_cast<double>(out1 * out2);
     auto const below = static_cast<double>(in1 * in2);
+    // The next step waits to know where its draws begin, and whole numbers tell sooner than doubles.
+    bool below_one = out1 * out2 < in1 * in2;
+    if (in1 * in2 > exact_in_double) [[unlikely]]
+        below_one = above < below;
     double const u = *next;  // used for a ratio below 1 only; for others the test is idle, as u < 1
-    draws.use_until(next + (above < below));
+    draws.use_until(next + below_one);
     int const taken = (above > 0.0) & (quotient_against(u, above, below) >= 0.0);
     a -= taken;
     d -= taken;
@@ -196,8 +239,7 @@ template <int Tries, class Index>
     double const* next = draws.ahead();
     int const i = index_of(*next++, t.rows());
     int const j = index_of(*next++, t.columns());
-    int const m = take_other_index(draws, next, t.rows(), i);
-    int const l = take_other_index(draws, next, t.columns(), j);
+    auto const [m, l] = take_other_place(draws, next, t.rows(), t.columns(), {i, j});
     return margin_step(t, i, j, m, l, draws, next);
 }
 

@@ -152,6 +152,31 @@ TEST(TakeOtherIndex, SpendsTheNumbersOfSingleDraws) {
     EXPECT_EQ(uniform(), single.draw());
 }
 
+TEST(TakeOtherPlace, DrawsTheRowThenTheColumn) {
+    test::FreshProcess fresh;
+    Ran3State single = random_state.ran3;
+    auto const other = [&single](int n, int taken) {
+        int x = taken;
+        while (x == taken) x = static_cast<int>(n * single.draw());
+        return x;
+    };
+    {
+        DrawBlock draws(chain_generator());
+        for (int s = 0; s < 60000; ++s) {
+            int const rows = 2 + s % 5;
+            int const columns = 2 + s / 5 % 5;
+            Place const taken{s / 25 % rows, s / 50 % columns};
+            draws.require(step_look_ahead);
+            double const* next = draws.ahead();
+            Place const x = take_other_place(draws, next, rows, columns, taken);
+            draws.use_until(next);
+            ASSERT_EQ(x.row, other(rows, taken.row)) << rows << " x " << columns;
+            ASSERT_EQ(x.column, other(columns, taken.column)) << rows << " x " << columns;
+        }
+    }
+    EXPECT_EQ(uniform(), single.draw());
+}
+
 TEST(QuotientAgainst, TellsWhatTheRoundedQuotientTells) {
     test::FreshProcess fresh;
     auto const sign = [](double x) { return (x > 0.0) - (x < 0.0); };
@@ -179,6 +204,21 @@ TEST(TwoWayStep, ImpossibleMoveSpendsItsDrawAndChangesNothing) {
         EXPECT_EQ(step.ratio, 1.0);
         EXPECT_EQ(step.ln_ratio, 0);
     }
+}
+
+TEST(TwoWayStep, RatioThatRoundsToOneIsAcceptedWithoutADraw) {
+    test::FreshProcess fresh;
+    constexpr int n = 1 << 27;
+    // (n + 1) (n - 1) is smaller than n n by 1, which no double tells beyond 2^53.
+    ContingencyTable t = table_of({{n + 1, n - 1}, {n - 1, n - 1}});
+    Ran3State const before = random_state.ran3;
+    {
+        DrawBlock draws(chain_generator());
+        draws.require(step_look_ahead);
+        EXPECT_EQ(margin_step(TableWalk(t), 0, 0, 1, 1, draws, draws.ahead()).ratio, 1.0);
+    }
+    EXPECT_EQ(test::draws_since(before), 0);
+    EXPECT_EQ(t.cells, (std::vector<int>{n, n, n, n - 2}));
 }
 
 // --- Reference chains ---
