@@ -2,14 +2,13 @@
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
-#include <cstdio>
-#include <ctime>
 #include <random>
 #include <vector>
 
 #include "base/random.h"
 #include "base/registers.h"
 #include "base/trimat.h"
+#include "held.h"
 #include "structure/formula/gene_permutations.h"
 #include "structure/formula/pairwise.h"
 #include "structure/formula/permutation_p.h"
@@ -50,143 +49,121 @@ constexpr PermutationScheme schemes[] = {PermutationScheme::PHAPAG, PermutationS
                                          PermutationScheme::PIAPAG};
 constexpr char const* names[] = {"PHAPAG", "PHAPWG", "PHAIWP", "PIAPWG", "PIAPAG"};
 
-/// Microseconds of one of `rounds` calls, the shortest of several goes.
-template <class Run>
-double shortest(Run run, int rounds, int goes = 15) {
-    double best = 1e300;
-    for (int go = 0; go < goes; ++go) {
-        std::clock_t const start = std::clock();
-        for (int k = 0; k < rounds; ++k) {
-            run();
-        }
-        best = std::min(best, static_cast<double>(std::clock() - start) * (1e6 / CLOCKS_PER_SEC) / rounds);
-    }
-    return best;
-}
+constexpr int permutations = 1000;
 
-/// Microseconds of one permutation of a test of 1,000 permutations.
+/// A whole test.
 template <class Real, class Source>
-double of_test(Source& source) {
-    PermutationPlan const plan(1000);
-    return shortest(
-               [&] {
-                   benchmark::DoNotOptimize(permutation_p<Real>(plan, 0.1, PermutationTail::above, plan.permutations,
-                                                                source, [] { return false; }, [](double) {}));
-               },
-               1) /
-           plan.permutations;
+PermutationOutcome whole_test(Source& source) {
+    PermutationPlan const plan(permutations);
+    return permutation_p<Real>(plan, 0.1, PermutationTail::above, plan.permutations, source, [] { return false; },
+                               [](double) {});
 }
 
-int limit_of(int haplotypes) { return haplotypes == 5 ? 2 : 4; }
+double limit_of(int haplotypes) { return haplotypes == 5 ? 2.0 : 4.0; }
 
-/// Every scheme with the statistic that it serves: within terms, and for haplotypes within populations the individuals.
-void report(int haplotypes, bool whole, Registers registers) {
-    Samples data(20, 50, haplotypes, whole);
-    WithinSums within(data.distances, data.slices, data.genes, registers);
-    for (int k = 0; k < 5; ++k) {
-        double const floor = shortest([&] { permute(schemes[k], data.sizes, data.genes); }, 300);
-        GenePermutations source(
-            schemes[k], data.sizes, data.distances, data.slices, &within,
-            schemes[k] == PermutationScheme::PHAIWP ? IndividualSums::by_population : IndividualSums::none, data.genes,
-            [](PermutedSums const& sums) { return sums.W - sums.I; });
-        double const full = of_test<float>(source);
-        std::printf("%s, %d haplotypes, %s distances: %.2f us, its draws and swaps %.2f us, ratio %.2f (limit %d)\n",
-                    names[k], haplotypes, whole ? "whole" : "broken", full, floor, full / floor, limit_of(haplotypes));
-    }
+/// A scheme with the statistic that it serves (within terms, and for haplotypes within populations the individuals),
+/// against its draws and swaps.
+void permuted_samples(benchmark::State& state) {
+    PermutationScheme const scheme = schemes[state.range(0)];
+    int const haplotypes = static_cast<int>(state.range(1));
+    Samples data(20, 50, haplotypes, state.range(2) != 0);
+    WithinSums within(data.distances, data.slices, data.genes);
+    GenePermutations source(scheme, data.sizes, data.distances, data.slices, &within,
+                            scheme == PermutationScheme::PHAIWP ? IndividualSums::by_population : IndividualSums::none,
+                            data.genes, [](PermutedSums const& sums) { return sums.W - sums.I; });
+    state.SetLabel(names[state.range(0)]);
+    bench::hold(state, limit_of(haplotypes), [&] { return whole_test<float>(source); },
+                [&] {
+                    for (int k = 0; k < permutations; ++k) {
+                        permute(scheme, data.sizes, data.genes);
+                    }
+                });
 }
+BENCHMARK(permuted_samples)
+    ->ArgNames({"scheme", "haplotypes", "whole"})
+    ->ArgsProduct({{0, 1, 2, 3, 4}, {5, 50}, {0, 1}})
+    ->Apply(bench::held);
 
-void report_pair(int haplotypes, bool whole, Registers registers) {
-    Samples data(2, 100, haplotypes, whole);
+/// The same for two samples of 100 copies.
+void permuted_pair(benchmark::State& state) {
+    int const haplotypes = static_cast<int>(state.range(0));
+    Samples data(2, 100, haplotypes, state.range(1) != 0);
     std::span<int const> const genes(data.genes);
-    PairSums sums(data.distances, genes.first(100), genes.subspan(100, 100), registers);
+    PairSums sums(data.distances, genes.first(100), genes.subspan(100, 100));
     std::vector<int> v = sums.genes();
-    double const floor = shortest([&] { shuffle_pair(v, 100, false); }, 1000);
     PairPermutations source(sums, 100, false, true, [](PairOfSums const& permuted) {
         PairStatistics const s = pair_statistics(100.0, 100.0, permuted);
         return s.W + s.ssd_among + s.corrected;
     });
-    double const full = of_test<double>(source);
-    std::printf("pair of 100 copies, %d haplotypes, %s distances: %.2f us, its draws and swaps %.2f us, ratio %.2f "
-                "(limit %d)\n",
-                haplotypes, whole ? "whole" : "broken", full, floor, full / floor, limit_of(haplotypes));
+    bench::hold(state, limit_of(haplotypes), [&] { return whole_test<double>(source); },
+                [&] {
+                    for (int k = 0; k < permutations; ++k) {
+                        shuffle_pair(v, 100, false);
+                    }
+                });
 }
+BENCHMARK(permuted_pair)->ArgNames({"haplotypes", "whole"})->ArgsProduct({{5, 50}, {0, 1}})->Apply(bench::held);
 
 /// 2,000 copies of 1,500 haplotypes: a block of permutations against one plain pass for each; draws apart.
 ///
 /// @param tables  every haplotype is summed, in registers of any width; lists of the haplotypes present have one form.
 template <class Sums, class Shuffle, class Plain>
-void compare_block(char const* what, bool whole, bool tables, Registers registers, Sums& sums, std::vector<int> v,
-                   Shuffle const& shuffle, Plain const& compute) {
+void hold_block(benchmark::State& state, bool tables, Registers registers, Sums& sums, std::vector<int> v,
+                Shuffle const& shuffle, Plain const& compute) {
     std::vector<std::vector<int>> drawn;
     for (int k = 0; k < sums.block(); ++k) {
         shuffle(v);
         drawn.push_back(v);
     }
-    double const rounds = sums.block();
-    double const plain = shortest([&] { std::for_each(drawn.begin(), drawn.end(), compute); }, 1, 5) / rounds;
-    double const block = shortest(
-                             [&] {
-                                 for (auto const& genes : drawn) {
-                                     sums.add(genes);
-                                 }
-                                 sums.evaluate();
-                             },
-                             1, 5) /
-                         rounds;
-    std::printf("%s, 1500 haplotypes, %s distances, registers of %d bytes, block of %d: %.0f us, plain pass %.0f us, "
-                "ratio %.2f (limit %.2f)\n",
-                what, whole ? "whole" : "broken", static_cast<int>(registers), sums.block(), block, plain,
-                block / plain, registers == Registers::narrow || !tables ? 0.5 : 0.25);
+    bench::hold(
+        state, registers == Registers::narrow || !tables ? 0.5 : 0.25,
+        [&] {
+            for (auto const& genes : drawn) {
+                sums.add(genes);
+            }
+            sums.evaluate();
+        },
+        [&] { std::for_each(drawn.begin(), drawn.end(), compute); });
 }
 
-void report_blocks(bool whole, Registers registers) {
-    for (int const populations : {2, 20}) {
-        Samples data(populations, 2000 / populations, 1500, whole);
-        WithinSums within(data.distances, data.slices, data.genes, registers);
-        std::vector<double> S(populations);
-        compare_block(populations == 2 ? "2 samples of 1000 copies" : "20 samples of 100 copies", whole,
-                      populations == 2, registers, within, data.genes,
-                      [&](std::vector<int>& v) { permute(PermutationScheme::PHAPAG, data.sizes, v); },
-                      [&](std::vector<int> const& v) { within.compute(v, S); });
-    }
-    Samples data(2, 1000, 1500, whole);
+void block_of_samples(benchmark::State& state) {
+    int const populations = static_cast<int>(state.range(0));
+    auto const registers = static_cast<Registers>(state.range(2));
+    Samples data(populations, 2000 / populations, 1500, state.range(1) != 0);
+    WithinSums within(data.distances, data.slices, data.genes, registers);
+    std::vector<double> S(populations);
+    hold_block(
+        state, populations == 2, registers, within, data.genes,
+        [&](std::vector<int>& genes) { permute(PermutationScheme::PHAPAG, data.sizes, genes); },
+        [&](std::vector<int> const& genes) { within.compute(genes, S); });
+}
+
+void block_of_pairs(benchmark::State& state) {
+    auto const registers = static_cast<Registers>(state.range(1));
+    Samples data(2, 1000, 1500, state.range(0) != 0);
     std::span<int const> const genes(data.genes);
     PairSums sums(data.distances, genes.first(1000), genes.subspan(1000), registers);
-    compare_block("pair of 1000 copies", whole, true, registers, sums, sums.genes(),
-                  [](std::vector<int>& v) { shuffle_pair(v, 1000, false); },
-                  [&](std::vector<int> const& v) { benchmark::DoNotOptimize(sums.compute(v)); });
+    hold_block(
+        state, true, registers, sums, sums.genes(), [](std::vector<int>& v) { shuffle_pair(v, 1000, false); },
+        [&](std::vector<int> const& v) { benchmark::DoNotOptimize(sums.compute(v)); });
 }
 
-void permutation(benchmark::State& state) {
-    Samples data(20, 50, static_cast<int>(state.range(0)), true);
-    WithinSums within(data.distances, data.slices, data.genes);
-    GenePermutations source(PermutationScheme::PHAPWG, data.sizes, data.distances, data.slices, &within,
-                            IndividualSums::none, data.genes, [](PermutedSums const& sums) { return sums.W; });
-    PermutationPlan const plan(100);
-    for (auto _ : state) {
-        benchmark::DoNotOptimize(permutation_p<float>(plan, 0.1, PermutationTail::above, plan.permutations, source,
-                                                      [] { return false; }, [](double) {}));
+std::vector<std::int64_t> register_widths() {
+    std::vector<std::int64_t> widths;
+    for (Registers const registers : usable_registers()) {
+        widths.push_back(static_cast<std::int64_t>(registers));
     }
+    return widths;
 }
-BENCHMARK(permutation)->Arg(5)->Arg(50);
+BENCHMARK(block_of_samples)
+    ->ArgNames({"samples", "whole", "registers"})
+    ->ArgsProduct({{2, 20}, {0, 1}, register_widths()})
+    ->Apply(bench::held);
+BENCHMARK(block_of_pairs)
+    ->ArgNames({"whole", "registers"})
+    ->ArgsProduct({{0, 1}, register_widths()})
+    ->Apply(bench::held);
 
 }  // namespace
 
-int main(int argc, char** argv) {
-    benchmark::Initialize(&argc, argv);
-    long idum = -1;
-    tov::ran3(&idum);
-    benchmark::RunSpecifiedBenchmarks();
-    for (int const haplotypes : {5, 50}) {
-        for (bool const whole : {true, false}) {
-            report(haplotypes, whole, tov::best_registers());
-            report_pair(haplotypes, whole, tov::best_registers());
-        }
-    }
-    for (tov::Registers const registers : tov::usable_registers()) {
-        for (bool const whole : {true, false}) {
-            report_blocks(whole, registers);
-        }
-    }
-    return 0;
-}
+BENCHMARK_MAIN();

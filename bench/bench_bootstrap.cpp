@@ -2,7 +2,6 @@
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
-#include <cstdio>
 #include <ctime>
 #include <sstream>
 
@@ -89,24 +88,24 @@ double time_of_refits(PopulDNA& sample) {
     return seconds;
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
-    benchmark::Initialize(&argc, argv);
+void bootstrap(benchmark::State& state) {
     PopulDNA sample;
     prepare(sample);
     settings set;
     set.NumBootExpDem = replicates;
     std::ostringstream out;
-    seed();
-    std::clock_t const start = std::clock();
-    sample.est_demog_mis(&set, out);
-    double const whole = seconds_since(start);
-    double const simulation = time_of_simulation(sample);
-    double const refits = time_of_refits(sample);
-    double const rest = whole - simulation - refits;
-    std::printf("%d replicates of 50 copies: %.3f s; simulation %.0f %%, refits %.0f %%, pair counts, lists and "
-                "print %.0f %%\n",
-                replicates, whole, 100.0 * simulation / whole, 100.0 * refits / whole, 100.0 * rest / whole);
-    return 0;
+    double whole = 0.0;
+    for (auto _ : state) {
+        seed();
+        std::clock_t const start = std::clock();
+        sample.est_demog_mis(&set, out);
+        whole = seconds_since(start);
+    }
+    state.counters["simulation"] = time_of_simulation(sample) / whole;
+    state.counters["refits"] = time_of_refits(sample) / whole;
 }
+BENCHMARK(bootstrap)->Iterations(1)->Unit(benchmark::kMillisecond);
+
+}  // namespace
+
+BENCHMARK_MAIN();

@@ -1,12 +1,9 @@
 // Steps of the Markov chains on tables held against their own draws and one table look-up a cell.
 #include <benchmark/benchmark.h>
 
-#include <algorithm>
-#include <cstdio>
-#include <ctime>
-
 #include "base/random.h"
 #include "floors.h"
+#include "held.h"
 #include "inference/formula/contingency_chain.h"
 #include "structure/formula/differentiation.h"
 
@@ -15,7 +12,7 @@ namespace {
 using tov::ContingencyTable;
 using tov::TableKind;
 
-constexpr long steps = 1 << 20;
+constexpr long steps = 1 << 18;
 constexpr int cells_of_a_step = 4;
 
 /// A table of `rows` x `columns` with about `total` copies, genotypes in the upper triangle only.
@@ -55,77 +52,42 @@ long draws_of(Run run) {
     return draws;
 }
 
-void hardy_weinberg_chain(benchmark::State& state) {
-    int const k = static_cast<int>(state.range(0));
-    ContingencyTable const start = table_of(k, k, 50, true);
-    for (auto _ : state) benchmark::DoNotOptimize(walk(start, TableKind::genotypes));
-    state.SetItemsProcessed(state.iterations() * steps);
-}
-BENCHMARK(hardy_weinberg_chain)->Arg(3)->Arg(10);
-
-void linkage_chain(benchmark::State& state) {
-    int const k = static_cast<int>(state.range(0));
-    ContingencyTable const start = table_of(k, k, 100, false);
-    for (auto _ : state) benchmark::DoNotOptimize(walk(start, TableKind::two_way));
-    state.SetItemsProcessed(state.iterations() * steps);
-}
-BENCHMARK(linkage_chain)->Arg(2)->Arg(6);
-
-void differentiation_chain(benchmark::State& state) {
-    ContingencyTable const start = table_of(2, static_cast<int>(state.range(0)), 80, false);
-    for (auto _ : state) benchmark::DoNotOptimize(compare(start));
-    state.SetItemsProcessed(state.iterations() * steps);
-}
-BENCHMARK(differentiation_chain)->Arg(4)->Arg(20);
-
-/// Processor time of one run, in nanoseconds.
+/// A chain, whose steps are held against what they draw and look up.
 template <class Run>
-double timed(Run run) {
-    std::clock_t const start = std::clock();
-    run();
-    return static_cast<double>(std::clock() - start) * (1e9 / CLOCKS_PER_SEC);
-}
-
-template <class Run>
-void report(char const* name, ContingencyTable const& start, Run run) {
+void hold_steps(benchmark::State& state, ContingencyTable const& start, Run run) {
+    long idum = -1;
+    tov::ran3(&idum);
     long done = 0;
     long const draws = draws_of([&] { done = run().steps; });
     tov::Ran3State generator;
     generator.seed(3);
-    double ours = 1e300;
-    double floor = 1e300;
-    for (int round = 0; round < 15; ++round) {  // in turn, so that a busy machine slows both; the shortest times count
-        ours = std::min(ours, timed([&] { benchmark::DoNotOptimize(run()); }));
-        floor = std::min(floor, timed([&] {
-                             benchmark::DoNotOptimize(tov::floors::draws_and_look_ups(
-                                 generator, start.cells.data(), static_cast<int>(start.cells.size()), done, draws,
-                                 cells_of_a_step));
-                         }));
-    }
-    auto const n = static_cast<double>(done);
-    std::printf("%-28s %6.2f ns a step, %.2f draws; draws and look-ups %6.2f ns, ratio %.2f (limit 3)\n", name,
-                ours / n, static_cast<double>(draws) / n, floor / n, ours / floor);
+    int const cells = static_cast<int>(start.cells.size());
+    tov::bench::hold(state, 3.0, run, [&] {
+        return tov::floors::draws_and_look_ups(generator, start.cells.data(), cells, done, draws, cells_of_a_step);
+    });
+    state.counters["draws_a_step"] = static_cast<double>(draws) / static_cast<double>(done);
 }
+
+void hardy_weinberg_steps(benchmark::State& state) {
+    int const k = static_cast<int>(state.range(0));
+    ContingencyTable const start = table_of(k, k, 50, true);
+    hold_steps(state, start, [&] { return walk(start, TableKind::genotypes); });
+}
+BENCHMARK(hardy_weinberg_steps)->ArgName("alleles")->Arg(2)->Arg(3)->Arg(10)->Apply(tov::bench::held);
+
+void linkage_steps(benchmark::State& state) {
+    int const k = static_cast<int>(state.range(0));
+    ContingencyTable const start = table_of(k, k, 100, false);
+    hold_steps(state, start, [&] { return walk(start, TableKind::two_way); });
+}
+BENCHMARK(linkage_steps)->ArgName("alleles")->Arg(2)->Arg(3)->Arg(6)->Apply(tov::bench::held);
+
+void differentiation_steps(benchmark::State& state) {
+    ContingencyTable const start = table_of(2, static_cast<int>(state.range(0)), 80, false);
+    hold_steps(state, start, [&] { return compare(start); });
+}
+BENCHMARK(differentiation_steps)->ArgName("haplotypes")->Arg(4)->Arg(20)->Apply(tov::bench::held);
 
 }  // namespace
 
-int main(int argc, char** argv) {
-    benchmark::Initialize(&argc, argv);
-    long idum = -1;
-    tov::ran3(&idum);
-    benchmark::RunSpecifiedBenchmarks();
-    for (int const k : {3, 10}) {
-        ContingencyTable const t = table_of(k, k, 50, true);
-        report(k == 3 ? "Hardy-Weinberg, 3 alleles" : "Hardy-Weinberg, 10 alleles", t,
-               [&] { return walk(t, TableKind::genotypes); });
-    }
-    for (int const k : {2, 6}) {
-        ContingencyTable const t = table_of(k, k, 100, false);
-        report(k == 2 ? "linkage, 2 x 2" : "linkage, 6 x 6", t, [&] { return walk(t, TableKind::two_way); });
-    }
-    for (int const k : {4, 20}) {
-        ContingencyTable const t = table_of(2, k, 80, false);
-        report(k == 4 ? "differentiation, 2 x 4" : "differentiation, 2 x 20", t, [&] { return compare(t); });
-    }
-    return 0;
-}
+BENCHMARK_MAIN();

@@ -1,9 +1,6 @@
 // Trees, replicates of Tajima's test and configurations of the Ewens-Watterson test, held against their bare draws.
 #include <benchmark/benchmark.h>
 
-#include <algorithm>
-#include <cstdio>
-#include <ctime>
 #include <memory>
 #include <string>
 #include <vector>
@@ -14,6 +11,7 @@
 #include "diversity/neutral_simulation.h"
 #include "diversity/popdna.h"
 #include "floors.h"
+#include "held.h"
 #include "input/settings.h"
 #include "simulation/genealgy.h"
 
@@ -88,21 +86,34 @@ private:
     double n_exact_ = 0.0;
 };
 
-void build_tree(benchmark::State& state) {
+/// A tree against its draws and logarithms.
+void tree(benchmark::State& state) {
+    int const n = static_cast<int>(state.range(0));
     tov::TTree tree;
-    tree.allocate_tree(static_cast<int>(state.range(0)));
-    for (auto _ : state) {
-        tree.build_tree();
-        benchmark::DoNotOptimize(tree.root().time);
-    }
+    tree.allocate_tree(n);
+    tov::bench::hold(
+        state, 3.0,
+        [&] {
+            tree.build_tree();
+            return tree.root().time;
+        },
+        [n] { return tov::floors::tree_draws_and_logarithms(n); });
 }
-BENCHMARK(build_tree)->Arg(50)->Arg(100)->Arg(1000);
+BENCHMARK(tree)->ArgName("tips")->Arg(100)->Arg(1000)->Apply(tov::bench::held);
 
+/// A replicate of Tajima's test with theta 10 and 500 sites against its tree.
 void tajima_replicate(benchmark::State& state) {
-    TajimaReplicate replicate(static_cast<int>(state.range(0)), 10.0);
-    for (auto _ : state) benchmark::DoNotOptimize(replicate.D());
+    int const n = static_cast<int>(state.range(0));
+    TajimaReplicate replicate(n, 10.0);
+    tov::TTree tree;
+    tree.allocate_tree(n);
+    tov::bench::hold(state, 10.0, [&] { return replicate.D(); },
+                     [&] {
+                         tree.build_tree();
+                         return tree.root().time;
+                     });
 }
-BENCHMARK(tajima_replicate)->Arg(50)->Arg(1000);
+BENCHMARK(tajima_replicate)->ArgName("copies")->Arg(50)->Arg(1000)->Apply(tov::bench::held);
 
 void fu_replicate_without_fs(benchmark::State& state) {
     TajimaReplicate replicate(static_cast<int>(state.range(0)), 10.0);
@@ -110,78 +121,17 @@ void fu_replicate_without_fs(benchmark::State& state) {
 }
 BENCHMARK(fu_replicate_without_fs)->Arg(50)->Arg(1000);
 
+/// Replicates of the Ewens-Watterson test against their draws and scans.
 void ewens_replicates(benchmark::State& state) {
     EwensReplicate replicate(static_cast<int>(state.range(0)), static_cast<int>(state.range(1)));
-    for (auto _ : state) benchmark::DoNotOptimize(replicate.run());
+    tov::bench::hold(state, 3.0, [&] { return replicate.run(); }, [&] { return replicate.floor(); });
 }
-BENCHMARK(ewens_replicates)->Args({50, 10})->Args({1000, 20})->Unit(benchmark::kMicrosecond);
-
-template <class Run>
-double microseconds(int times, Run run) {
-    std::clock_t const start = std::clock();
-    for (int i = 0; i < times; ++i) benchmark::DoNotOptimize(run());
-    return static_cast<double>(std::clock() - start) * 1e6 / CLOCKS_PER_SEC / times;
-}
-
-/// Prints the ratio of `ours` to `floor`, measured in turn so that a busy machine slows both.
-template <class Ours, class Floor>
-bool hold(char const* title, double limit, int times, Ours ours, Floor floor) {
-    double best_ours = 1e300;
-    double best_floor = 1e300;
-    for (int round = 0; round < 15; ++round) {
-        best_floor = std::min(best_floor, microseconds(times, floor));
-        best_ours = std::min(best_ours, microseconds(times, ours));
-    }
-    double const ratio = best_ours / best_floor;
-    std::printf("%-60s %9.3f us, floor %9.3f us, ratio %5.2f (limit %.1f)\n", title, best_ours, best_floor, ratio,
-                limit);
-    return ratio <= limit;
-}
-
-bool hold_trees() {
-    bool good = true;
-    for (int const n : {100, 1000}) {
-        tov::TTree tree;
-        tree.allocate_tree(n);
-        std::string const title = "tree of " + std::to_string(n) + " tips, draws and logarithms";
-        good = hold(title.c_str(), 3.0, 200000 / n, [&] { tree.build_tree(); return tree.root().time; },
-                    [&] { return tov::floors::tree_draws_and_logarithms(n); }) && good;
-    }
-    return good;
-}
-
-bool hold_tajima() {
-    bool good = true;
-    for (int const n : {50, 1000}) {
-        TajimaReplicate replicate(n, 10.0);
-        tov::TTree tree;
-        tree.allocate_tree(n);
-        std::string const title = "Tajima replicate, n = " + std::to_string(n) + ", theta 10, 500 sites; its tree";
-        good = hold(title.c_str(), 10.0, 100000 / n, [&] { return replicate.D(); },
-                    [&] { tree.build_tree(); return tree.root().time; }) && good;
-    }
-    return good;
-}
-
-bool hold_ewens() {
-    bool good = true;
-    for (auto const& [n, k] : {std::pair{50, 10}, std::pair{1000, 20}}) {
-        EwensReplicate replicate(n, k);
-        std::string const title = std::to_string(EwensReplicate::recorded) + " Ewens-Watterson replicates, n = " +
-                                  std::to_string(n) + ", k = " + std::to_string(k) + "; draws, scans";
-        good = hold(title.c_str(), 3.0, 3, [&] { return replicate.run(); }, [&] { return replicate.floor(); }) && good;
-    }
-    return good;
-}
+BENCHMARK(ewens_replicates)
+    ->ArgNames({"copies", "alleles"})
+    ->Args({50, 10})
+    ->Args({1000, 20})
+    ->Apply(tov::bench::held);
 
 }  // namespace
 
-int main(int argc, char** argv) {
-    seed(-1);
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    bool const trees = hold_trees();
-    bool const tajima = hold_tajima();
-    bool const ewens = hold_ewens();
-    return trees && tajima && ewens ? 0 : 1;
-}
+BENCHMARK_MAIN();

@@ -2,19 +2,19 @@
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
-#include <cstdio>
-#include <ctime>
 #include <random>
 #include <vector>
 
 #include "floors.h"
+#include "held.h"
 #include "inference/formula/em_terms.h"
 
 namespace {
 
 // A sample of n individuals over some biallelic loci, each phenotype with its 2^(h - 1) pairs, as an estimation sees it.
 struct Sample {
-    Sample(int individuals, int loci) {
+    Sample(int individuals, int loci, bool inbreeding) {
+        options.inbreeding = inbreeding;
         std::mt19937 engine(5);
         data.clear(1 << loci);
         std::uniform_int_distribution<int> any(0, (1 << loci) - 1);
@@ -32,7 +32,7 @@ struct Sample {
                 subset = (subset - rest) & rest;
             } while (subset != 0);
         }
-        tov::em_start(data, {}, work);
+        tov::em_start(data, options, work);
         start = work.freq;
         for (tov::HaplotypePair const pair : data.pairs) {
             pairs.push_back(pair.first);
@@ -43,7 +43,7 @@ struct Sample {
     // One iteration from the start: frequencies that have run for long hold subnormal numbers, which cost more.
     double iterate() {
         work.freq = start;
-        return tov::em_iteration(data, {}, work);
+        return tov::em_iteration(data, options, work);
     }
     double floor() {
         std::fill(gain.begin(), gain.end(), 0.0);
@@ -51,57 +51,26 @@ struct Sample {
     }
 
     tov::EmData data;
+    tov::EmOptions options;
     tov::EmWork work;
     std::vector<double> start;
     std::vector<std::int32_t> pairs;
     std::vector<double> gain;
 };
 
-struct Size {
-    int individuals;
-    int loci;
-};
-constexpr Size sizes[] = {{200, 6}, {2000, 10}};
-
-void em_iterations(benchmark::State& state) {
-    Sample sample(static_cast<int>(state.range(0)), static_cast<int>(state.range(1)));
-    for (auto _ : state) benchmark::DoNotOptimize(sample.iterate());
-    state.SetItemsProcessed(state.iterations() * static_cast<int64_t>(sample.data.pairs.size()));
+void em_iteration(benchmark::State& state) {
+    Sample sample(static_cast<int>(state.range(0)), static_cast<int>(state.range(1)), state.range(2) != 0);
+    tov::bench::hold(state, 3.0, [&] { return sample.iterate(); }, [&] { return sample.floor(); });
+    state.counters["genotypes"] = static_cast<double>(sample.data.pairs.size());
 }
-BENCHMARK(em_iterations)->Args({sizes[0].individuals, sizes[0].loci})->Args({sizes[1].individuals, sizes[1].loci});
-
-void pair_loops(benchmark::State& state) {
-    Sample sample(static_cast<int>(state.range(0)), static_cast<int>(state.range(1)));
-    for (auto _ : state) benchmark::DoNotOptimize(sample.floor());
-    state.SetItemsProcessed(state.iterations() * static_cast<int64_t>(sample.data.pairs.size()));
-}
-BENCHMARK(pair_loops)->Args({sizes[0].individuals, sizes[0].loci})->Args({sizes[1].individuals, sizes[1].loci});
-
-/// Processor time of enough runs, in nanoseconds a genotype.
-template <class Run>
-double timed(std::size_t genotypes, Run run) {
-    int const runs = static_cast<int>(2000000 / genotypes) + 1;
-    std::clock_t const start = std::clock();
-    for (int i = 0; i < runs; ++i) benchmark::DoNotOptimize(run());
-    return static_cast<double>(std::clock() - start) * (1e9 / CLOCKS_PER_SEC) / runs / static_cast<double>(genotypes);
-}
+BENCHMARK(em_iteration)
+    ->ArgNames({"individuals", "loci", "inbreeding"})
+    ->Args({200, 6, 0})
+    ->Args({200, 6, 1})
+    ->Args({2000, 10, 0})
+    ->Args({2000, 10, 1})
+    ->Apply(tov::bench::held);
 
 }  // namespace
 
-int main(int argc, char** argv) {
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    for (Size const size : sizes) {
-        Sample sample(size.individuals, size.loci);
-        std::size_t const n = sample.data.pairs.size();
-        double ours = 1e300;
-        double floor = 1e300;
-        for (int round = 0; round < 25; ++round) {  // in turn, so that a busy machine slows both; the shortest count
-            ours = std::min(ours, timed(n, [&] { return sample.iterate(); }));
-            floor = std::min(floor, timed(n, [&] { return sample.floor(); }));
-        }
-        std::printf("EM iteration over %zu genotypes %.2f ns a genotype, pair loop %.2f ns, ratio %.2f (limit 3)\n", n,
-                    ours, floor, ours / floor);
-    }
-    return 0;
-}
+BENCHMARK_MAIN();

@@ -2,34 +2,18 @@
 // look-ups and multiplications.
 #include <benchmark/benchmark.h>
 
-#include <algorithm>
-#include <cmath>
 #include <cstdint>
-#include <cstdio>
-#include <ctime>
 #include <random>
 #include <vector>
 
 #include "base/random.h"
+#include "held.h"
 #include "inference/formula/kpv_sampler.h"
 #include "structure/formula/assignment.h"
 
 namespace {
 
 using namespace tov;
-
-template <class Run>
-double shortest(Run run, int rounds) {
-    double best = 1e300;
-    for (int round = 0; round < 10; ++round) {
-        std::clock_t const start = std::clock();
-        for (int k = 0; k < rounds; ++k) {
-            run();
-        }
-        best = std::min(best, static_cast<double>(std::clock() - start) * (1e6 / CLOCKS_PER_SEC) / rounds);
-    }
-    return best;
-}
 
 KpvChain linked_sample() {
     std::mt19937 random(1);
@@ -65,26 +49,20 @@ long plain_walk(KpvChain const& chain, int individual, int start, int length) {
     return equal;
 }
 
-void report_step() {
+void support_in_a_window(benchmark::State& state) {
     KpvChain chain = linked_sample();
     for (int step = 0; step < 2000; ++step) {
         chain.step();
     }
     int const individual = chain.ambiguous()[0];
-    for (int const length : {2, 4, 8}) {
-        double const floor = shortest(
-            [&] { benchmark::DoNotOptimize(plain_walk(chain, individual, 10, length)); }, 2000);
-        double const full = shortest(
-            [&] { benchmark::DoNotOptimize(chain.support(individual, 10, length, 10)); }, 2000);
-        std::printf("support in a window of %d loci, 50 individuals: %.2f us, a plain walk over its alleles %.2f us, "
-                    "ratio %.2f (limit 4)\n",
-                    length, full, floor, full / floor);
-    }
-    double const step = shortest([&] { chain.step(); }, 200);
-    std::printf("sampler step, 50 individuals, 30 loci: %.1f us\n", step);
+    int const length = static_cast<int>(state.range(0));
+    bench::hold(state, 4.0, [&] { return chain.support(individual, 10, length, 10); },
+                [&] { return plain_walk(chain, individual, 10, length); });
 }
+BENCHMARK(support_in_a_window)->ArgName("loci")->Arg(2)->Arg(4)->Arg(8)->Apply(bench::held);
 
-void report_assignment() {
+/// A thousand individuals in twenty samples by twenty loci.
+void assignment(benchmark::State& state) {
     std::mt19937 random(2);
     std::uniform_real_distribution<double> frequency(0.01, 0.2);
     std::vector<std::vector<double>> samples(20, std::vector<double>(200));
@@ -99,36 +77,32 @@ void report_assignment() {
             genotype.push_back({10 * l + static_cast<int>(random() % 10), 10 * l + static_cast<int>(random() % 10)});
         }
     }
-    double const full = shortest(
-        [&] {
-            double sum = 0.0;
-            for (auto const& genotype : individuals) {
-                for (auto const& sample : samples) {
-                    sum += genotype_log_likelihood(genotype, sample, 0.001);
-                }
+    auto const all = [&](auto const& term) {
+        double sum = 0.0;
+        for (auto const& genotype : individuals) {
+            for (auto const& sample : samples) {
+                sum += term(genotype, sample);
             }
-            benchmark::DoNotOptimize(sum);
-        },
-        3);
-    double const floor = shortest(
+        }
+        return sum;
+    };
+    auto const product_alone = [](std::vector<AllelePair> const& genotype, std::vector<double> const& sample) {
+        double product = 1.0;
+        for (AllelePair const& locus : genotype) {
+            product *= sample[locus.first] * sample[locus.second];
+        }
+        return product;
+    };
+    bench::hold(
+        state, 4.0,
         [&] {
-            double sum = 0.0;
-            for (auto const& genotype : individuals) {
-                for (auto const& sample : samples) {
-                    double product = 1.0;
-                    for (AllelePair const& locus : genotype) {
-                        product *= sample[locus.first] * sample[locus.second];
-                    }
-                    sum += product;
-                }
-            }
-            benchmark::DoNotOptimize(sum);
+            return all([](auto const& genotype, auto const& sample) {
+                return genotype_log_likelihood(genotype, sample, 0.001);
+            });
         },
-        3);
-    std::printf("assignment, 1,000 individuals x 20 samples x 20 loci: %.0f us, look-ups and multiplications %.0f us, "
-                "ratio %.2f (limit 4)\n",
-                full, floor, full / floor);
+        [&] { return all(product_alone); });
 }
+BENCHMARK(assignment)->Apply(bench::held);
 
 void step(benchmark::State& state) {
     KpvChain chain = linked_sample();
@@ -140,12 +114,4 @@ BENCHMARK(step);
 
 }  // namespace
 
-int main(int argc, char** argv) {
-    benchmark::Initialize(&argc, argv);
-    long idum = -1;
-    tov::ran3(&idum);
-    benchmark::RunSpecifiedBenchmarks();
-    report_step();
-    report_assignment();
-    return 0;
-}
+BENCHMARK_MAIN();

@@ -2,14 +2,12 @@
 // statistics and output held against the tree; and the P-value of a locus.
 #include <benchmark/benchmark.h>
 
-#include <algorithm>
-#include <cstdio>
-#include <ctime>
 #include <sstream>
 #include <vector>
 
 #include "base/random.h"
 #include "floors.h"
+#include "held.h"
 #include "simulation/struct_sim.h"
 #include "structure/formula/locus_fixation.h"
 #include "structure/formula/selection_p.h"
@@ -88,17 +86,22 @@ private:
 void tree_of_samples(benchmark::State& state) {
     seed();
     Locus locus;
-    for (auto _ : state) benchmark::DoNotOptimize(locus.tree());
+    Work const work = work_of_a_tree(locus.simulator(), 100);
+    bench::hold(state, 3.0, [&] { return locus.tree(); },
+                [&] { return floors::wander_draws_and_logarithms(work.events, work.draws); });
+    state.counters["draws"] = static_cast<double>(work.draws);
+    state.counters["logarithms"] = static_cast<double>(work.events);
 }
-BENCHMARK(tree_of_samples);
+BENCHMARK(tree_of_samples)->Apply(bench::held);
 
+/// Mutations, statistics and output against the tree.
 void statistics_of_a_locus(benchmark::State& state) {
     seed();
     Locus locus;
     locus.tree();
-    for (auto _ : state) benchmark::DoNotOptimize(locus.statistics());
+    bench::hold(state, 1.0, [&] { return locus.statistics(); }, [&] { return locus.tree(); });
 }
-BENCHMARK(statistics_of_a_locus);
+BENCHMARK(statistics_of_a_locus)->Apply(bench::held);
 
 void whole_locus(benchmark::State& state) {
     seed();
@@ -124,32 +127,6 @@ void p_value_of_a_locus(benchmark::State& state) {
 }
 BENCHMARK(p_value_of_a_locus)->Arg(2000)->Arg(20000);
 
-template <class Run>
-double timed(int rounds, Run run) {
-    std::clock_t const start = std::clock();
-    for (int i = 0; i < rounds; ++i) benchmark::DoNotOptimize(run());
-    return static_cast<double>(std::clock() - start) * (1e6 / CLOCKS_PER_SEC) / rounds;
-}
-
 }  // namespace
 
-int main(int argc, char** argv) {
-    benchmark::Initialize(&argc, argv);
-    seed();
-    benchmark::RunSpecifiedBenchmarks();
-    Locus locus;
-    Work const work = work_of_a_tree(locus.simulator(), 100);
-    double tree = 1e300, floor = 1e300, statistics = 1e300;
-    for (int round = 0; round < 15; ++round) {  // in turn, so that a busy machine slows all; the shortest times count
-        tree = std::min(tree, timed(100, [&] { return locus.tree(); }));
-        floor =
-            std::min(floor, timed(100, [&] { return floors::wander_draws_and_logarithms(work.events, work.draws); }));
-        statistics = std::min(statistics, timed(100, [&] { return locus.statistics(); }));
-    }
-    std::printf("tree %.1f us, its %ld draws and %ld logarithms %.1f us, ratio %.2f (limit 3)\n", tree, work.draws,
-                work.events, floor, tree / floor);
-    std::printf("mutations, statistics and output %.1f us, ratio to the tree %.2f (limit 1)\n", statistics,
-                statistics / tree);
-    std::printf("20,000 loci: %.1f s\n", 20000.0 * (tree + statistics) * 1e-6);
-    return tree / floor <= 3.0 && statistics / tree <= 1.0 ? 0 : 1;
-}
+BENCHMARK_MAIN();

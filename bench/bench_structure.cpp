@@ -3,8 +3,6 @@
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
-#include <cstdio>
-#include <ctime>
 #include <numeric>
 #include <random>
 #include <vector>
@@ -12,6 +10,7 @@
 #include "base/random.h"
 #include "base/recmat.h"
 #include "base/trimat.h"
+#include "held.h"
 #include "input/settings.h"
 #include "model/struct.h"
 #include "structure/amova.h"
@@ -19,19 +18,6 @@
 namespace {
 
 using namespace tov;
-
-template <class Run>
-double shortest(Run run, int rounds) {
-    double best = 1e300;
-    for (int round = 0; round < 15; ++round) {
-        std::clock_t const start = std::clock();
-        for (int k = 0; k < rounds; ++k) {
-            run();
-        }
-        best = std::min(best, static_cast<double>(std::clock() - start) * (1e6 / CLOCKS_PER_SEC) / rounds);
-    }
-    return best;
-}
 
 constexpr int loci = 1000, samples = 10, copies = 20;
 
@@ -66,7 +52,7 @@ double plain_sums(std::vector<std::vector<int>> const& genes) {
     return sum;
 }
 
-void report_loci() {
+void amova_of_loci(benchmark::State& state) {
     auto const genes = genotypes();
     settings set;
     set.NumPermutationsAMOVA = 0;
@@ -77,7 +63,8 @@ void report_loci() {
     TriMat matrix;
     matrix.set_conventional_fst(1);
     StructureSizes const sizes(std::vector<double>(samples, copies), {samples});
-    double const full = shortest(
+    bench::hold(
+        state, 5.0,
         [&] {
             double sum = 0.0;
             for (int l = 0; l < loci; ++l) {
@@ -85,15 +72,13 @@ void report_loci() {
                 Amova const amova(view, l, {sizes, PairDistances(matrix, 2), genes[l]}, &results);
                 sum += results.index[slot_FST];
             }
-            benchmark::DoNotOptimize(sum);
+            return sum;
         },
-        3);
-    double const floor = shortest([&] { benchmark::DoNotOptimize(plain_sums(genes)); }, 20);
-    std::printf("AMOVA of %d loci, %d samples of %d: %.0f us, plain sums of squares %.0f us, ratio %.2f (limit 5)\n",
-                loci, samples, copies, full, floor, full / floor);
+        [&] { return plain_sums(genes); });
 }
+BENCHMARK(amova_of_loci)->Apply(bench::held);
 
-void report_mantel() {
+void mantel_permutation(benchmark::State& state) {
     int const n = 100;
     RectMat Y(n, n), X(n, n);
     std::mt19937 random(3);
@@ -108,13 +93,12 @@ void report_mantel() {
     std::vector<int> index(n);
     std::iota(index.begin(), index.end(), 0);
     std::shuffle(index.begin(), index.end(), random);
-    double const full = shortest(
+    bench::hold(
+        state, 1.5,
         [&] {
             Y.permute_index();
-            benchmark::DoNotOptimize(Y.computeZ(X));
+            return Y.computeZ(X);
         },
-        500);
-    double const floor = shortest(
         [&] {
             double sum = 0.0;
             for (int i = 0; i < n; ++i) {
@@ -123,29 +107,11 @@ void report_mantel() {
                     sum += row[index[j]] * x[i * n + j];
                 }
             }
-            benchmark::DoNotOptimize(sum);
-        },
-        500);
-    std::printf("Mantel permutation of %d labels: %.2f us, a gathered dot product %.2f us, ratio %.2f (limit 1.5)\n", n,
-                full, floor, full / floor);
+            return sum;
+        });
 }
-
-void one_locus(benchmark::State& state) {
-    auto const genes = genotypes();
-    for (auto _ : state) {
-        benchmark::DoNotOptimize(plain_sums(genes));
-    }
-}
-BENCHMARK(one_locus);
+BENCHMARK(mantel_permutation)->Apply(bench::held);
 
 }  // namespace
 
-int main(int argc, char** argv) {
-    benchmark::Initialize(&argc, argv);
-    long idum = -1;
-    tov::ran3(&idum);
-    benchmark::RunSpecifiedBenchmarks();
-    report_loci();
-    report_mantel();
-    return 0;
-}
+BENCHMARK_MAIN();

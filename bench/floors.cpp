@@ -1,6 +1,7 @@
 // Plain loops that benchmarks are held against.
 #include "floors.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "base/random.h"
@@ -91,10 +92,16 @@ double draws_and_look_ups(Ran3State& generator, int const* cells, int n, long st
                           int look_ups) noexcept {
     long sum = 0;
     double rest = 0.0;
-    long const more = draws - steps * look_ups;  // above the first draws of the steps
-    long const each = more / steps;
+    int const drawn = static_cast<int>(std::min<long>(look_ups, draws / steps));
+    long const more = draws - steps * drawn;  // above the first draws of the steps
+    long const each = drawn < look_ups ? 0 : more / steps;
     for (long s = 0; s < steps; ++s) {
-        for (int k = 0; k < look_ups; ++k) sum += cells[static_cast<int>(n * generator.draw())];
+        int place = 0;
+        for (int k = 0; k < drawn; ++k) {
+            place = static_cast<int>(n * generator.draw());
+            sum += cells[place];
+        }
+        for (int k = drawn; k < look_ups; ++k) sum += cells[n - 1 - place];
         for (long k = 0; k < each; ++k) rest += generator.draw();
     }
     for (long k = each * steps; k < more; ++k) rest += generator.draw();
