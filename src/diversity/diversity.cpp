@@ -168,26 +168,16 @@ int PopulDNA::compute_molecular_diversity(settings& s) {
     if (!has_dist_mat()) {
         weights_ = {s.TransitionWeight, s.TranversionWeight, s.DeletionWeight};
     }
-    if (!ready_for_molecular_diversity(s, "PopulDNA::compute_molecular_diversity()", true)) {
-        return has_dist_mat() && nb_haplotypes() > 0 ? 1 : 0;  // haplotypes without texts leave the values alone
-    }
-    double const scale = distance_method_ != DIFF ? nb_usable_loci_ : 1.0;
-    store_molecular_diversity(scale * sum_of_pair_differences(haplotype_copies(), *dist_mat_), VarianceRoot::guarded,
-                              1.0);
-    return 1;
+    return molecular_diversity(s, "PopulDNA::compute_molecular_diversity()", distance_method_ != DIFF,
+                               VarianceRoot::guarded);
 }
 
 int PopulRFLP::compute_molecular_diversity(settings& s) {
     if (!has_dist_mat()) {
         deletion_weight_ = s.DeletionWeight;
     }
-    if (!ready_for_molecular_diversity(s, "PopulRFLP::compute_molecular_diversity()", true)) {
-        return has_dist_mat() && nb_haplotypes() > 0 ? 1 : 0;  // haplotypes without texts leave the values alone
-    }
-    double const scale = rflp_distance_method_ != RFLP_DIFF ? nb_usable_loci_ : 1.0;
-    store_molecular_diversity(scale * sum_of_pair_differences(haplotype_copies(), *dist_mat_), VarianceRoot::plain,
-                              1.0);
-    return 1;
+    return molecular_diversity(s, "PopulRFLP::compute_molecular_diversity()", rflp_distance_method_ != RFLP_DIFF,
+                               VarianceRoot::plain);
 }
 
 int PopulMicrosat::compute_molecular_diversity(settings& s) {

@@ -25,8 +25,7 @@ void PopulDNA::initialize_DNA() {
 }
 
 void PopulDNA::clean() {
-    PopGenetics::clean();
-    reference_.clear();
+    PopulSequence::clean();
     site_class_.clear();
     frequencies_ = NucleotideFrequencies{};
 }

@@ -3,13 +3,12 @@
 
 #include <cstddef>
 #include <span>
-#include <string>
 #include <string_view>
 #include <vector>
 
 #include "diversity/formula/nucleotide_distance.h"
 #include "diversity/formula/site_planes.h"
-#include "diversity/popgen.h"
+#include "diversity/popseq.h"
 
 namespace tov {
 
@@ -37,7 +36,7 @@ struct SubstitutionCounts {
     int private_sites = -1;      ///< sites with substitutions in this sample alone; -1 until counted
 };
 
-class PopulDNA : public PopGenetics {
+class PopulDNA : public PopulSequence {
 public:
     PopulDNA();
     ~PopulDNA() override;
@@ -52,7 +51,6 @@ public:
     int evaluate_polymorphism(settings const& s) override;
     int compute_molecular_diversity(settings& s) override;
     void set_distance(DistanceChoice const& choice) override;
-    virtual int build_arbitrary_haplotype();
     [[nodiscard]] int segregating_sites() const override { return counts_.substitution_sites; }
 
     // --- Polymorphic sites (popdna_sites.cpp) ---
@@ -94,7 +92,6 @@ public:
     PairDistance pair_;
     NucleotideFrequencies frequencies_;
     SubstitutionCounts counts_;
-    std::string reference_;                  ///< arbitrary reference haplotype; empty until built
     std::vector<unsigned char> site_class_;  ///< kinds of change seen at each site, as bits
 
 private:

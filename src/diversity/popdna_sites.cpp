@@ -27,13 +27,6 @@ bool PopulDNA::has_substitution(int site) const {
            (site_class_[static_cast<std::size_t>(site)] & (has_transition | has_transversion)) != 0;
 }
 
-int PopulDNA::build_arbitrary_haplotype() {
-    if (reference_.empty()) {
-        reference_ = reference_sequence();
-    }
-    return 1;
-}
-
 int PopulDNA::evaluate_polymorphism(settings const& s) {
     counts_ = SubstitutionCounts{};
     site_class_.clear();
@@ -79,25 +72,12 @@ unsigned char PopulDNA::class_of_site(std::size_t site, std::span<std::string_vi
 
 int PopulDNA::compare_DNA_sequences(settings const& s) {
     build_arbitrary_haplotype();
-    std::vector<std::string_view> const contents = haplotype_contents();
-    std::size_t const n = reference_.size();
-    nb_loci_ = static_cast<int>(n);
-    use_site_.assign(n, 0);
-    polym_sites.assign(n, 0);
-    missing_share_.assign(n, 0.0);
-    site_class_.assign(n, 0);
-    double const size = sample_size();
-    for (std::size_t site = 0; site < n; ++site) {
-        char const base = reference_[site];
-        if (base == profile.MissingData || base == '-') {
-            missing_share_[site] = 1.0;
-            continue;
-        }
+    site_class_.assign(reference_.size(), 0);
+    walk_sites(s.AllowedLevelOfMissingData, [this](std::size_t site, std::vector<std::string_view> const& contents) {
         double missing = 0.0;
         site_class_[site] = class_of_site(site, contents, missing);
-        missing_share_[site] = size > 0.0 ? missing / size : 0.0;
-        use_site_[site] = missing_share_[site] <= s.AllowedLevelOfMissingData ? 1 : 0;
-    }
+        return missing;
+    });
     count_site_classes();
     count_sites();
     return 1;

@@ -22,11 +22,6 @@ void PopulRFLP::initialize_RFLP() {
     pair_ = PairDistance{};
 }
 
-void PopulRFLP::clean() {
-    PopGenetics::clean();
-    reference_.clear();
-}
-
 int PopulRFLP::check_data() {
     char const* const function = "PopulRFLP::check_data()";
     return check_counts(function) && check_lengths(function) ? 1 : 0;
@@ -35,13 +30,6 @@ int PopulRFLP::check_data() {
 void PopulRFLP::set_distance(DistanceChoice const& choice) {
     set_distance_method(static_cast<rflp_distance_method>(choice.method));
     set_deletion_weight(choice.weights.deletion);
-}
-
-int PopulRFLP::build_arbitrary_haplotype() {
-    if (reference_.empty()) {
-        reference_ = reference_sequence();
-    }
-    return 1;
 }
 
 int PopulRFLP::compare_sites(char const& a, char const& b) const {
@@ -57,43 +45,37 @@ int PopulRFLP::evaluate_polymorphism(settings const& s) {
 
 int PopulRFLP::compare_RFLP_haplotypes(settings const& s) {
     build_arbitrary_haplotype();
-    std::vector<std::string_view> const contents = haplotype_contents();
-    std::size_t const n = reference_.size();
-    nb_loci_ = static_cast<int>(n);
-    use_site_.assign(n, 0);
-    polym_sites.assign(n, 0);
-    missing_share_.assign(n, 0.0);
     char const missing = profile.MissingData;
-    for (std::size_t site = 0; site < n; ++site) {
-        char const base = reference_[site];
-        if (base == missing || base == '-') {
-            missing_share_[site] = 1.0;
-            continue;
-        }
+    walk_sites(s.AllowedLevelOfMissingData, [&](std::size_t site, std::vector<std::string_view> const& contents) {
         double copies = 0.0;
         bool polymorphic = false;
         for (std::size_t i = 0; i < contents.size(); ++i) {
             char const c = site < contents[i].size() ? contents[i][site] : missing;
             copies += c == missing ? haplotype(static_cast<int>(i)).copies : 0;
-            int const kind = compare_sites(base, c);
+            int const kind = compare_sites(reference_[site], c);
             polymorphic = polymorphic || kind == 1 || (kind == 2 && deletion_weight_ > 0.0);
         }
-        missing_share_[site] = sample_size() > 0.0 ? copies / sample_size() : 0.0;
-        use_site_[site] = missing_share_[site] <= s.AllowedLevelOfMissingData ? 1 : 0;
-        polym_sites[site] = polymorphic && use_site_[site] != 0 ? 1 : 0;
+        polym_sites[site] = polymorphic ? 1 : 0;
+        return copies;
+    });
+    for (std::size_t site = 0; site < polym_sites.size(); ++site) {
+        polym_sites[site] = use_site_[site] != 0 ? polym_sites[site] : 0;
     }
     count_sites();
     return 1;
 }
 
-int PopulRFLP::diff_no_weight(char const* s1, char const* s2) {
-    pair_ = rflp_difference(count_rflp_pair(s1, s2, use_site_, profile.MissingData), deletion_weight_);
-    return nb_usable_loci_ > 0 ? 1 : 0;
+int PopulRFLP::one_pair(rflp_distance_method m, char const* s1, char const* s2) {
+    pair_ = PairDistance{};
+    if (nb_usable_loci_ <= 0) {
+        return 0;
+    }
+    RflpCounts const counts = count_rflp_pair(s1, s2, use_site_, profile.MissingData);
+    pair_ = m == RFLP_P_DIST ? rflp_proportion(counts, deletion_weight_) : rflp_difference(counts, deletion_weight_);
+    return 1;
 }
 
-int PopulRFLP::p_diff(char const* s1, char const* s2) {
-    pair_ = rflp_proportion(count_rflp_pair(s1, s2, use_site_, profile.MissingData), deletion_weight_);
-    return nb_usable_loci_ > 0 ? 1 : 0;
-}
+int PopulRFLP::diff_no_weight(char const* s1, char const* s2) { return one_pair(RFLP_DIFF, s1, s2); }
+int PopulRFLP::p_diff(char const* s1, char const* s2) { return one_pair(RFLP_P_DIST, s1, s2); }
 
 }  // namespace tov

@@ -1,24 +1,21 @@
 // PopulRFLP: a sample of restriction-site haplotypes ('0', '1', '-' and missing).
 #pragma once
 
-#include <string>
-
 #include "diversity/formula/nucleotide_distance.h"
-#include "diversity/popgen.h"
+#include "diversity/popseq.h"
 
 namespace tov {
 
 /// Methods of distance between two restriction haplotypes.
 enum rflp_distance_method : int { RFLP_DIFF = 0, RFLP_P_DIST = 1 };
 
-class PopulRFLP : public PopGenetics {
+class PopulRFLP : public PopulSequence {
 public:
     PopulRFLP();
     ~PopulRFLP() override;
 
     void initialize() override;
     void initialize_RFLP();
-    void clean() override;
 
     void test_methods(settings& s) override;
     int check_data() override;
@@ -26,7 +23,6 @@ public:
     int evaluate_polymorphism(settings const& s) override;
     int compute_molecular_diversity(settings& s) override;
     void set_distance(DistanceChoice const& choice) override;
-    virtual int build_arbitrary_haplotype();
 
     int compare_RFLP_haplotypes(settings const& s);
 
@@ -35,6 +31,7 @@ public:
 
     /// 0 for equal characters or when either is missing, 2 when either is '-', 1 otherwise.
     [[nodiscard]] int compare_sites(char const& a, char const& b) const;
+    // Distance of one pair; the answer is in pair(). @return 1, or 0 and no distance without usable sites.
     int diff_no_weight(char const* s1, char const* s2);
     int p_diff(char const* s1, char const* s2);
     [[nodiscard]] PairDistance const& pair() const { return pair_; }
@@ -43,7 +40,9 @@ public:
     rflp_distance_method rflp_distance_method_ = RFLP_DIFF;
     double deletion_weight_ = 1.0;
     PairDistance pair_;
-    std::string reference_;  ///< arbitrary reference haplotype; empty until built
+
+private:
+    int one_pair(rflp_distance_method m, char const* s1, char const* s2);
 };
 
 }  // namespace tov

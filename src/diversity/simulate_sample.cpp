@@ -64,15 +64,13 @@ int PopGenetics::sprinkle_mutations(double const& mu, int const& sites, Mut_Type
         tree.clear_mutations();
         return 0;
     }
-    MutationModel model;
-    model.mu = mu;
-    model.sites = sites;
-    model.type = type;
-    model.gamma_a = gamma_a;
-    model.first_rate = first_rate;
-    model.first_fraction = first_fraction;
-    model.transition_share = transition_share;
-    return tree.add_mutations(model);
+    return tree.add_mutations({.mu = mu,
+                               .sites = sites,
+                               .type = type,
+                               .gamma_a = gamma_a,
+                               .first_rate = first_rate,
+                               .first_fraction = first_fraction,
+                               .transition_share = transition_share});
 }
 
 int PopGenetics::simulate_sample(double const& mu, int const& sites, Mut_Type const& type, double const& gamma_a,

@@ -203,28 +203,23 @@ int TNode::add_mutations(MutationModel const& model, long* idum, int num_mut) {
 
 int TNode::add_mutations(double const& mu, long* idum, int num_mut, int const& sites, Mut_Type const& type,
                          double const& gamma_a, double const& transition_share) {
-    MutationModel model;
-    model.mu = mu;
-    model.sites = sites;
-    model.type = type;
-    model.gamma_a = gamma_a;
-    model.transition_share = transition_share;
-    return add_mutations(model, idum, num_mut);
+    return add_mutations(
+        {.mu = mu, .sites = sites, .type = type, .gamma_a = gamma_a, .transition_share = transition_share}, idum,
+        num_mut);
 }
 
 int TNode::add_mutations(double const& mu, long* idum, int num_mut, int const& sites, Mut_Type const& type,
                          double const& gamma_a, double const& transition_share, int const& constrained,
                          double geometric_p) {
-    MutationModel model;
-    model.mu = mu;
-    model.sites = sites;
-    model.type = type;
-    model.gamma_a = gamma_a;
-    model.transition_share = transition_share;
-    model.allele_steps = true;
-    model.constrained = constrained;
-    model.geometric_p = geometric_p;
-    return add_mutations(model, idum, num_mut);
+    return add_mutations({.mu = mu,
+                          .sites = sites,
+                          .type = type,
+                          .gamma_a = gamma_a,
+                          .transition_share = transition_share,
+                          .allele_steps = true,
+                          .constrained = constrained,
+                          .geometric_p = geometric_p},
+                         idum, num_mut);
 }
 
 TNode* TNode::next_flagged(int site) noexcept {

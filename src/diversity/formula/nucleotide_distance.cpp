@@ -131,6 +131,33 @@ WeightedCounts weigh(PairCounts const& c, SiteWeights const& w) noexcept {
 
 int counted(int n, double weight) noexcept { return weight > 0.0 ? n : 0; }
 
+/// Sites compared, and the shares P and Q of transitions and transversions among them.
+/// @param uncorrectable  sites that are compared though a gap or an unknown character stands there.
+PairDistance shares_of_changes(PairCounts const& c, SiteWeights const& w, int uncorrectable) noexcept {
+    PairDistance r;
+    r.sites = c.equal + c.transitions + c.transversions + c.ambiguous + uncorrectable;
+    int const ts = counted(c.transitions, w.transition);
+    int const tv = counted(c.transversions, w.transversion);
+    r.differences = ts + tv;
+    if (r.sites > 0.0) {
+        r.P = ts / r.sites;
+        r.Q = tv / r.sites;
+    }
+    return r;
+}
+
+/// Ratio of transitions to transversions of Tamura's model, and its variance.
+///
+/// w1 = 1 - P / h - Q and w2 = 1 - 2 Q, neither 0, w2 not 1; h = 1/2 is Kimura's model.
+void set_ratio(PairDistance& r, double w1, double w2, double h) noexcept {
+    double const l1 = std::log(w1);
+    double const l = std::log(w2);
+    double const da = -2.0 * (1.0 / w1) / l;
+    double const db = (4.0 * (1.0 / w2) * l1 / (l * l) + da) * h;
+    r.R = 2.0 * h * l1 / l - h;
+    r.var_R = delta_variance(r.P, r.Q, da, db, r.sites);
+}
+
 PairDistance failed(DistanceStatus status, PairDistance r) noexcept {
     r.status = status;
     r.distance = 0.0;
@@ -250,16 +277,10 @@ PairDistance jukes_cantor(PairCounts const& c, SiteWeights const& w, double a) n
 }
 
 PairDistance kimura_2p(PairCounts const& c, SiteWeights const& w, double a) noexcept {
-    PairDistance r;
-    r.sites = c.equal + c.transitions + c.transversions + c.ambiguous + c.uncorrectable;
-    int const ts = counted(c.transitions, w.transition);
-    int const tv = counted(c.transversions, w.transversion);
-    r.differences = ts + tv;
+    PairDistance r = shares_of_changes(c, w, c.uncorrectable);
     if (r.sites <= 0.0) {
         return r;
     }
-    r.P = ts / r.sites;
-    r.Q = tv / r.sites;
     double const w1 = 1.0 - 2.0 * r.P - r.Q;
     double const w2 = 1.0 - 2.0 * r.Q;
     if (w1 == 0.0 || w2 == 0.0) {
@@ -285,12 +306,7 @@ PairDistance kimura_2p(PairCounts const& c, SiteWeights const& w, double a) noex
     r.distance = 0.5 * std::log(c1) + 0.25 * std::log(c2);
     r.variance = delta_variance(r.P, r.Q, c1, (c1 + c2) / 2.0, r.sites);
     if (w2 != 1.0) {
-        double const l = std::log(w2);
-        double const l1 = std::log(w1);
-        double const da = -2.0 * c1 / l;
-        double const db = 0.5 * (4.0 * c2 * l1 / (l * l) + da);
-        r.R = l1 / l - 0.5;
-        r.var_R = delta_variance(r.P, r.Q, da, db, r.sites);
+        set_ratio(r, w1, w2, 0.5);
     }
     return r;
 }
@@ -325,16 +341,10 @@ PairDistance tajima_nei(PairCounts const& c, SiteWeights const& w, NucleotideFre
 }
 
 PairDistance tamura(PairCounts const& c, SiteWeights const& w, NucleotideFrequencies const& f) noexcept {
-    PairDistance r;
-    r.sites = c.equal + c.transitions + c.transversions + c.ambiguous + c.uncorrectable_known;
-    int const ts = counted(c.transitions, w.transition);
-    int const tv = counted(c.transversions, w.transversion);
-    r.differences = ts + tv;
+    PairDistance r = shares_of_changes(c, w, c.uncorrectable_known);
     if (r.sites <= 0.0) {
         return r;
     }
-    r.P = ts / r.sites;
-    r.Q = tv / r.sites;
     double const theta = f.theta();
     double const h = 2.0 * theta * (1.0 - theta);
     if (h <= 0.0) {
@@ -345,11 +355,9 @@ PairDistance tamura(PairCounts const& c, SiteWeights const& w, NucleotideFrequen
     if (w1 <= 0.0 || w2 <= 0.0) {
         return failed(DistanceStatus::tamura_unbalanced, r);
     }
-    double const l1 = std::log(w1);
-    double const l = std::log(w2);
     double const c1 = 1.0 / w1;
     double const c2 = 1.0 / w2;
-    r.distance = -h * l1 - 0.5 * (1.0 - h) * l;
+    r.distance = -h * std::log(w1) - 0.5 * (1.0 - h) * std::log(w2);
     r.variance = delta_variance(r.P, r.Q, c1, (c1 - c2) * h + c2, r.sites);
     r.R = -1.0;
     r.var_R = -1.0;
@@ -357,10 +365,7 @@ PairDistance tamura(PairCounts const& c, SiteWeights const& w, NucleotideFrequen
         if (w2 == 1.0) {
             return failed(DistanceStatus::log_of_zero, r);
         }
-        double const da = -2.0 * c1 / l;
-        double const db = (4.0 * c2 * l1 / (l * l) + da) * h;
-        r.R = 2.0 * h * l1 / l - h;
-        r.var_R = delta_variance(r.P, r.Q, da, db, r.sites);
+        set_ratio(r, w1, w2, h);
     }
     return r;
 }
