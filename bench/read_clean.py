@@ -71,21 +71,34 @@ def cost(command, directory):
     return usage.ru_utime + usage.ru_stime, usage.ru_maxrss * 1024
 
 
-def measure(program, name, time_limit, memory_limit, repeats, directory):
-    project = name + ".tvp"
-    size = os.path.getsize(os.path.join(directory, project))
-    write(os.path.join(directory, "s.tvs"), set_keys(read(DEFAULT_SETTINGS), {"TaskNumber": 0}))
-    floor = min(cost(["wc", project], directory)[0] for _ in range(repeats))
-    runs = [cost([program, project, "s.tvs", "run_silent"], directory) for _ in range(repeats)]
+def held(label, command, source, directory, repeats, time_limit, memory_limit, check):
+    """Measures a command against `wc` on its source file, and prints a line of both. Returns whether limits were held.
+
+    check  is called once the command has run, and ends the benchmark when it did not do its work
+    """
+    size = os.path.getsize(os.path.join(directory, source))
+    floor = min(cost(["wc", source], directory)[0] for _ in range(repeats))
+    runs = [cost(command, directory) for _ in range(repeats)]
+    check()
     seconds, memory = min(run[0] for run in runs), max(run[1] for run in runs)
-    log = read(os.path.join(directory, name + ".res", "Tovenia_log.txt"))
-    if "Successful run of " + project not in log:
-        raise SystemExit("the run of %s failed:\n%s" % (project, log[-2000:]))
     good = seconds <= time_limit * floor and memory <= memory_limit * size
     print("%s: %.1f MB, %.2f s, wc %.2f s, ratio %.1f (limit %g); peak %.1f MB, %.1f times the file (limit %g): %s"
-          % (name, size / 1e6, seconds, floor, seconds / floor, time_limit, memory / 1e6, memory / size,
+          % (label, size / 1e6, seconds, floor, seconds / floor, time_limit, memory / 1e6, memory / size,
              memory_limit, "good" if good else "BEYOND THE LIMIT"))
     return good
+
+
+def measure(program, name, time_limit, memory_limit, repeats, directory):
+    project = name + ".tvp"
+    write(os.path.join(directory, "s.tvs"), set_keys(read(DEFAULT_SETTINGS), {"TaskNumber": 0}))
+
+    def check():
+        log = read(os.path.join(directory, name + ".res", "Tovenia_log.txt"))
+        if "Successful run of " + project not in log:
+            raise SystemExit("the run of %s failed:\n%s" % (project, log[-2000:]))
+
+    return held(name, [program, project, "s.tvs", "run_silent"], project, directory, repeats, time_limit, memory_limit,
+                check)
 
 
 def main():

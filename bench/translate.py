@@ -14,7 +14,7 @@ import random
 import sys
 import tempfile
 
-from read_clean import cost
+from read_clean import held
 
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "tests", "e2e"))
 from support import read, write  # noqa: E402
@@ -38,20 +38,16 @@ def genepop_file(path, individuals, loci):
 
 
 def measure(program, source_format, target_format, source, target, repeats, directory):
-    size = os.path.getsize(os.path.join(directory, source))
     lines = ["", "translate", source_format, target_format, source, target] + ["1"] * (source_format == "Genepop")
     write(os.path.join(directory, "tov_run.txt"), "\n".join(lines) + "\n")
-    floor = min(cost(["wc", source], directory)[0] for _ in range(repeats))
-    runs = [cost([program, "run_silent"], directory) for _ in range(repeats)]
-    seconds, memory = min(run[0] for run in runs), max(run[1] for run in runs)
-    log = read(os.path.join(directory, "Tovenia_log.txt"))
-    if "    Writing  %s... done." % target not in log:
-        raise SystemExit("the translation into %s failed:\n%s" % (target_format, log[-2000:]))
-    good = seconds <= TIME_LIMIT * floor and memory <= MEMORY_LIMIT * size
-    print("%s to %s: %.1f MB, %.2f s, wc %.2f s, ratio %.1f (limit %g); peak %.1f MB, %.1f times the file (limit %g): %s"
-          % (source_format, target_format, size / 1e6, seconds, floor, seconds / floor, TIME_LIMIT, memory / 1e6,
-             memory / size, MEMORY_LIMIT, "good" if good else "BEYOND THE LIMIT"))
-    return good
+
+    def check():
+        log = read(os.path.join(directory, "Tovenia_log.txt"))
+        if "    Writing  %s... done." % target not in log:
+            raise SystemExit("the translation into %s failed:\n%s" % (target_format, log[-2000:]))
+
+    return held("%s to %s" % (source_format, target_format), [program, "run_silent"], source, directory, repeats,
+                TIME_LIMIT, MEMORY_LIMIT, check)
 
 
 def main():

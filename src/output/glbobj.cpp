@@ -9,7 +9,15 @@
 
 namespace tov {
 
-std::array<std::string, 9> DistanceNames;
+std::array<std::string, 9> DistanceNames = {"Pairwise difference",
+                                            "Jukes and Cantor",
+                                            "Kimura 2P",
+                                            "Proportion of difference",
+                                            "Tajima and Nei",
+                                            "Tamura",
+                                            "Tamura and Nei",
+                                            "No. of different alleles (FST)",
+                                            "Sum of squared size difference (RST)"};
 std::string _batch_dir;
 
 int _GENE_DIVERSITY_ = 0;
@@ -150,15 +158,6 @@ void read_global_flags(std::string_view directory) {
 }
 
 void initialize_tovenia_global_objects() {
-    DistanceNames = {"Pairwise difference",
-                     "Jukes and Cantor",
-                     "Kimura 2P",
-                     "Proportion of difference",
-                     "Tajima and Nei",
-                     "Tamura",
-                     "Tamura and Nei",
-                     "No. of different alleles (FST)",
-                     "Sum of squared size difference (RST)"};
     for (Table const& table : tables) {
         table.stream->reset();
         TableText const& text = table_text(table.file);

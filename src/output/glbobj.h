@@ -70,7 +70,7 @@ extern BatchStream ofs_selection_res;
 void read_global_flags(std::string_view directory);
 
 /// Opens the tables of the flags that are set and writes their banners and column heads, which are flushed.
-/// Also fills DistanceNames. A table that can't be opened keeps a failed stream, which drops what is written.
+/// A table that can't be opened keeps a failed stream, which drops what is written.
 void initialize_tovenia_global_objects();
 
 /// Clears `_batch_dir`, closes the tables and sets their pointers to null.

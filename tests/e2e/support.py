@@ -80,6 +80,22 @@ def dna_project(samples=(("North", (("h1", 2, "ACGTACGTAC"), ("h2", 1, "ACGTACGT
     return "\n".join(lines) + "\n"
 
 
+def unphased_project(individuals, name="Pop 1", **profile):
+    """Text of a STANDARD project with one sample of individuals whose phase is unknown.
+
+    individuals  (count, alleles of one chromosome, alleles of the other) each
+    profile      keys that join those of the [Profile] section
+    """
+    lines = ["[Profile]", '  Title="Unknown phase"', "  NbSamples=1", "  DataType=STANDARD", "  GenotypicData=1",
+             "  GameticPhase=0", "  LocusSeparator=WHITESPACE", "  MissingData='?'"]
+    lines += ["  %s=%s" % item for item in profile.items()]
+    lines += ["[Data]", "  [[Samples]]", '    SampleName="%s"' % name,
+              "    SampleSize=%d" % sum(count for count, _, _ in individuals), "    SampleData={"]
+    for number, (count, first, second) in enumerate(individuals):
+        lines += ["ind%d %d %s" % (number, count, " ".join(first)), "    %s" % " ".join(second)]
+    return "\n".join(lines + ["    }"]) + "\n"
+
+
 class Outcome:
     """What one start of the program left: console text, exit status."""
 

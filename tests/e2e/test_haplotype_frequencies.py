@@ -5,32 +5,12 @@ import unittest
 
 import support
 
-PROFILE = """[Profile]
-  Title="Genotypes"
-  NbSamples=1
-  DataType=STANDARD
-  GenotypicData=1
-  GameticPhase=0
-  LocusSeparator=WHITESPACE
-  RecessiveData=0
-  MissingData='?'
-[Data]
-  [[Samples]]
-    SampleName="Pop <1 & co"
-    SampleSize=%d
-    SampleData={
-%s    }
-"""
-
 TWO_LOCI = [("AB", "AB", 6), ("AB", "ab", 9), ("ab", "ab", 5), ("AB", "Ab", 3), ("AB", "aB", 2), ("Ab", "ab", 3),
             ("aB", "ab", 2)]
 
 
-def project(individuals):
-    lines = ""
-    for number, (a, b, count) in enumerate(individuals):
-        lines += "ind%d %d %s\n %s\n" % (number, count, " ".join(a), " ".join(b))
-    return PROFILE % (sum(count for _, _, count in individuals), lines)
+def project(individuals, **profile):
+    return support.unphased_project([(count, a, b) for a, b, count in individuals], name="Pop <1 & co", **profile)
 
 
 class HaplotypeFrequencies(support.RunTestCase):
@@ -88,9 +68,8 @@ class HaplotypeFrequencies(support.RunTestCase):
         self.assertEqual(self.likelihood(text), -41.52806)
 
     def test_a_recessive_allele_is_estimated(self):
-        individuals = [("A", "A", 186), ("B", "B", 38), ("A", "B", 13), ("null", "null", 284)]
-        lines = "".join("i%d %d %s\n %s\n" % (n, count, a, b) for n, (a, b, count) in enumerate(individuals))
-        text = (PROFILE % (521, lines)).replace("RecessiveData=0", "RecessiveData=1\n  RecessiveAllele=\"null\"")
+        individuals = [(["A"], ["A"], 186), (["B"], ["B"], 38), (["A"], ["B"], 13), (["null"], ["null"], 284)]
+        text = project(individuals, RecessiveData=1, RecessiveAllele='"null"')
         self.run_project(text, TaskNumber=8, ComputeAllHaplotypesEM=1, InitialConditionsEM=3, RecessiveAllelesEM=1)
         rows = self.rows(self.document())
         p, q, r = rows["A"][0], rows["B"][0], rows["null"][0]

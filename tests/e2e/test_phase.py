@@ -4,32 +4,12 @@ import unittest
 
 import support
 
-PROJECT = """[Profile]
-  Title="Linked sites"
-  NbSamples=1
-  DataType=STANDARD
-  GenotypicData=1
-  GameticPhase=0
-  LocusSeparator=WHITESPACE
-  RecessiveData=0
-  MissingData='?'
-[Data]
-  [[Samples]]
-    SampleName="Pop 1"
-    SampleSize=%d
-    SampleData={
-%s    }
-"""
-
 HAPLOTYPES = ["0 0 0 0 0", "1 1 1 1 1", "0 1 0 1 0"]
 PAIRS = [(0, 1), (0, 0), (1, 1), (0, 2), (2, 2), (0, 1), (1, 2), (0, 0), (1, 1), (0, 2)]
 
 
 def project(pairs):
-    lines = ""
-    for number, (a, b) in enumerate(pairs):
-        lines += "ind%d 1 %s\n      %s\n" % (number, HAPLOTYPES[a], HAPLOTYPES[b])
-    return PROJECT % (len(pairs), lines)
+    return support.unphased_project([(1, HAPLOTYPES[a].split(), HAPLOTYPES[b].split()) for a, b in pairs])
 
 
 class Phase(support.RunTestCase):

@@ -79,6 +79,17 @@ double exact_hardy_weinberg(ContingencyTable const& observed) {
     return tally.extreme / tally.all;
 }
 
+ContingencyTable table_of(Rows const& rows) {
+    ContingencyTable t;
+    t.shape(static_cast<int>(rows.size()), static_cast<int>(rows[0].size()));
+    for (int r = 0; r < t.rows; ++r) {
+        for (int c = 0; c < t.columns; ++c) {
+            t.at(r, c) = rows[static_cast<std::size_t>(r)][static_cast<std::size_t>(c)];
+        }
+    }
+    return t;
+}
+
 double exact_two_way(ContingencyTable const& observed) {
     std::vector<int> rows(static_cast<std::size_t>(observed.rows), 0);
     std::vector<int> columns(static_cast<std::size_t>(observed.columns), 0);

@@ -10,21 +10,12 @@
 #include "base/bnum.h"
 #include "support/fresh_process.h"
 #include "support/scratch_directory.h"
+#include "support/text.h"
 
 using namespace tov;
+using tov::test::bytes;
 using tov::test::FreshProcess;
 using tov::test::ScratchDirectory;
-
-namespace {
-
-template <class T>
-std::string bytes(T value) {
-    std::string text(sizeof(T), '\0');
-    std::memcpy(text.data(), &value, sizeof(T));
-    return text;
-}
-
-}  // namespace
 
 TEST(BnumMat, FollowsTheReference) {
     BnumMat table;

@@ -10,20 +10,15 @@
 #include "base/recmat.h"
 #include "support/fresh_process.h"
 #include "support/scratch_directory.h"
+#include "support/text.h"
 
 using namespace tov;
+using tov::test::bytes;
 using tov::test::draws_since;
 using tov::test::FreshProcess;
 using tov::test::ScratchDirectory;
 
 namespace {
-
-template <class T>
-std::string bytes(T value) {
-    std::string text(sizeof(T), '\0');
-    std::memcpy(text.data(), &value, sizeof(T));
-    return text;
-}
 
 RectMat random_symmetric(int n) {
     RectMat m(n, n);

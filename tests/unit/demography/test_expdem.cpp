@@ -11,11 +11,13 @@
 #include "simulation/genealgy.h"
 #include "support/analysed_project.h"
 #include "support/scratch_directory.h"
+#include "support/text.h"
 
 namespace tov {
 namespace {
 
 using test::AnalysedProject;
+using test::holds;
 
 std::string dna(std::string const& size, std::string const& data) {
     return test::profile_text("DNA") + "[[Samples]]\n" + test::sample_text("here", size, data);
@@ -24,8 +26,6 @@ std::string dna(std::string const& size, std::string const& data) {
 std::string const nine_copies =
     "a 3 ACGTACGTACGTACGT\nb 2 ACGTACGTACGTACAA\nc 2 GCGTACGTTTGTACGT\nd 1 GCGTACGTTTGTCCGG\n"
     "e 1 ACGTACCCACGTACGT\n";
-
-bool holds(std::string const& text, std::string const& part) { return text.find(part) != std::string::npos; }
 
 class Expansion : public testing::Test {
 protected:

@@ -9,12 +9,14 @@
 #include "output/glbobj.h"
 #include "support/analysed_project.h"
 #include "support/scratch_directory.h"
+#include "support/text.h"
 
 namespace tov {
 namespace {
 
 using test::AnalysedProject;
 using test::genotypic_profile_text;
+using test::holds;
 using test::profile_text;
 using test::sample_text;
 
@@ -28,8 +30,6 @@ std::string one_sample(std::string const& profile, std::string const& size, std:
 std::string dna(std::string const& size, std::string const& data) {
     return one_sample(profile_text("DNA"), size, data);
 }
-
-bool holds(std::string const& text, std::string const& part) { return text.find(part) != std::string::npos; }
 
 /// Puts the project-wide list of substituted sites back.
 class Blocks : public testing::Test {

@@ -4,20 +4,20 @@
 #include <string>
 
 #include "support/analysed_project.h"
+#include "support/text.h"
 
 namespace tov {
 namespace {
 
 using test::AnalysedProject;
 using test::genotypic_profile_text;
+using test::holds;
 using test::profile_text;
 using test::sample_text;
 
 constexpr long frequencies = task::haplotype_frequencies;
 constexpr long linkage = task::linkage_disequilibrium;
 constexpr long proportions = task::hardy_weinberg;
-
-bool holds(std::string const& text, std::string const& part) { return text.find(part) != std::string::npos; }
 
 /// A sample "one" of genotypes or of haplotypes, its progress kept from the process.
 struct Association {

@@ -12,16 +12,8 @@
 namespace tov {
 namespace {
 
-using Rows = std::vector<std::vector<int>>;
-
-ContingencyTable table_of(Rows const& rows) {
-    ContingencyTable t;
-    t.shape(static_cast<int>(rows.size()), static_cast<int>(rows[0].size()));
-    for (std::size_t r = 0; r < rows.size(); ++r) {
-        for (std::size_t c = 0; c < rows[r].size(); ++c) t.at(static_cast<int>(r), static_cast<int>(c)) = rows[r][c];
-    }
-    return t;
-}
+using oracle::Rows;
+using oracle::table_of;
 
 // Genotypes of three alleles: 25 individuals.
 ContingencyTable three_alleles() { return table_of({{5, 3, 6}, {0, 4, 2}, {0, 0, 5}}); }

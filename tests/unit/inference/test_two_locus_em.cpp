@@ -4,38 +4,10 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <atomic>
 #include <cmath>
-#include <cstdlib>
-#include <new>
 
+#include "support/allocations.h"
 #include "unit/inference/em_fixture.h"
-
-namespace {
-
-std::atomic<long> allocations{0};
-
-void* counted_or_null(std::size_t size) noexcept {
-    ++allocations;
-    return std::malloc(size > 0 ? size : 1);
-}
-
-void* counted(std::size_t size) {
-    ++allocations;
-    if (void* const memory = std::malloc(size > 0 ? size : 1)) return memory;
-    throw std::bad_alloc();
-}
-
-}  // namespace
-
-void* operator new(std::size_t size) { return counted(size); }
-void* operator new[](std::size_t size) { return counted(size); }
-void* operator new(std::size_t size, std::nothrow_t const&) noexcept { return counted_or_null(size); }
-void* operator new[](std::size_t size, std::nothrow_t const&) noexcept { return counted_or_null(size); }
-void operator delete(void* memory) noexcept { std::free(memory); }
-void operator delete[](void* memory) noexcept { std::free(memory); }
-void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
-void operator delete[](void* memory, std::size_t) noexcept { std::free(memory); }
 
 namespace tov::test {
 namespace {
@@ -129,8 +101,9 @@ TEST(TwoLocusEm, DoubleHeterozygotesMayBeEitherPhase) {
 
 TEST(TwoLocusEm, HiddenBlanksGiveTheGenotypesOfTheWholeSample) {
     // Upper case is dominant; number 0 stands for the blank, so the letters are numbered from 1.
-    for (auto const& [a, b] : {std::pair("AB", "AB"), std::pair("Ab", "AB"), std::pair("Ab", "aB"), std::pair("AB", "aB"),
-                               std::pair("..", "AB"), std::pair("..", ".."), std::pair("A.", "AB")}) {
+    for (auto const& [a, b] :
+         {std::pair("AB", "AB"), std::pair("Ab", "AB"), std::pair("Ab", "aB"), std::pair("AB", "aB"),
+          std::pair("..", "AB"), std::pair("..", ".."), std::pair("A.", "AB")}) {
         ModelData data;
         for (int l = 0; l < 2; ++l) data.db.insert_allele(l, ".", 0.0);
         auto const phenotype = data.phenotype(a, b);
@@ -202,11 +175,11 @@ TEST(AllelePermutation, AllocatesNothingOnceTheSampleIsKnown) {
     double observed = em.evaluate(sample, options, goes_on).statistic();
     NullCounts counts;
     counts.add(em.evaluate(permutation.next(random_state.ran3), options, goes_on).statistic(), observed);
-    long const before = allocations;
+    long const before = allocations();
     for (int p = 0; p < 200; ++p) {
         counts.add(em.evaluate(permutation.next(random_state.ran3), options, goes_on).statistic(), observed);
     }
-    EXPECT_EQ(allocations - before, 0);
+    EXPECT_EQ(allocations() - before, 0);
     EXPECT_GT(before, 10);
 }
 

@@ -10,54 +10,46 @@
 #include "base/scoped_swap.h"
 #include "input/settings.h"
 #include "run/run_state.h"
+#include "support/settings_text.h"
 
 namespace tov {
 namespace {
 
-settings read(std::string const& text, settings set = {}) {
-    std::istringstream in(text);
-    set.read_settings(in);
-    return set;
-}
-
-std::string written(settings const& set) {
-    std::ostringstream out;
-    set.print_settings(out);
-    return out.str();
-}
+using test::read_settings;
+using test::written;
 
 TEST(SettingsReading, TheWriterGivesThePhaseOfTheDataTheReaderStoresItElsewhere) {
     settings set;
     set.GameticPhase = 1;
     set.GameticPhaseIsKnown = 0;
     EXPECT_NE(written(set).find("\nGameticPhaseIsKnown=1\n"), std::string::npos);
-    settings const back = read("GameticPhaseIsKnown=1\n");
+    settings const back = read_settings("GameticPhaseIsKnown=1\n");
     EXPECT_EQ(back.GameticPhaseIsKnown, 1);
     EXPECT_EQ(back.GameticPhase, 0);
 }
 
 TEST(SettingsReading, ThePrecisionOfTheExactTestIsReadAsDigits) {
-    EXPECT_EQ(read("PrecProbPopDiff=0.050000\n").PrecProbPopDiff, 50000.0);
-    EXPECT_EQ(read("PrecProbPopDiff=0.000000\n").PrecProbPopDiff, 0.0);
+    EXPECT_EQ(read_settings("PrecProbPopDiff=0.050000\n").PrecProbPopDiff, 50000.0);
+    EXPECT_EQ(read_settings("PrecProbPopDiff=0.000000\n").PrecProbPopDiff, 0.0);
     settings set;
     set.PrecProbPopDiff = 0.05;
-    EXPECT_EQ(read(written(set)).PrecProbPopDiff, 50000.0);
+    EXPECT_EQ(read_settings(written(set)).PrecProbPopDiff, 50000.0);
 }
 
 TEST(SettingsReading, TheHardyWeinbergLevelIsAnIndexTheLinkageLevelAProbability) {
-    settings const set = read("SignificanceLevelHW=0.050000\nSignificanceLevelLD=0.050000\n");
+    settings const set = read_settings("SignificanceLevelHW=0.050000\nSignificanceLevelLD=0.050000\n");
     EXPECT_EQ(set.SignificanceLevelHW, 50000);
     EXPECT_DOUBLE_EQ(set.SignificanceLevelLD, 0.05);
 }
 
 TEST(SettingsReading, ThePopulationMatrixKeySetsTheHaplotypeMatrixKeyWhenFound) {
-    settings set = read("PrintHaplDistMat=1\nPrintPopDistMat=0\n");
+    settings set = read_settings("PrintHaplDistMat=1\nPrintPopDistMat=0\n");
     EXPECT_EQ(set.PrintHaplDistMat, 0);
     EXPECT_EQ(set.PrintPopDistMat, 0);
-    set = read("PrintHaplDistMat=0\nPrintPopDistMat=1\n");
+    set = read_settings("PrintHaplDistMat=0\nPrintPopDistMat=1\n");
     EXPECT_EQ(set.PrintHaplDistMat, 1);
     EXPECT_EQ(set.PrintPopDistMat, 1);
-    set = read("PrintHaplDistMat=1\n");
+    set = read_settings("PrintHaplDistMat=1\n");
     EXPECT_EQ(set.PrintHaplDistMat, 1);
     EXPECT_EQ(set.PrintPopDistMat, 0);
 }
@@ -70,65 +62,65 @@ TEST(SettingsReading, ThePopulationMatrixKeyIsWrittenFromTheHaplotypeMatrixKey) 
 }
 
 TEST(SettingsReading, TheEarlierNameOfTheHaplotypeEMKeyWinsWhenFound) {
-    EXPECT_EQ(read("ComputeAllHaplotypesEM=0\nEMEstimHaplFreqs=1\n").ComputeAllHaplotypesEM, 1);
-    EXPECT_EQ(read("ComputeAllHaplotypesEM=1\nEMEstimHaplFreqs=0\n").ComputeAllHaplotypesEM, 0);
-    EXPECT_EQ(read("ComputeAllHaplotypesEM=1\n").ComputeAllHaplotypesEM, 1);
+    EXPECT_EQ(read_settings("ComputeAllHaplotypesEM=0\nEMEstimHaplFreqs=1\n").ComputeAllHaplotypesEM, 1);
+    EXPECT_EQ(read_settings("ComputeAllHaplotypesEM=1\nEMEstimHaplFreqs=0\n").ComputeAllHaplotypesEM, 0);
+    EXPECT_EQ(read_settings("ComputeAllHaplotypesEM=1\n").ComputeAllHaplotypesEM, 1);
 }
 
 TEST(SettingsReading, EMIsWantedWhenOneOfItsThreeKeysIsOn) {
-    EXPECT_EQ(read("").em_wanted, 0);
-    EXPECT_EQ(read("ComputeAllAllelesEM=1\n").em_wanted, 1);
-    EXPECT_EQ(read("ComputeAllHaplotypesEM=1\n").em_wanted, 1);
-    EXPECT_EQ(read("GibbsInferGamPhase=1\n").em_wanted, 1);
-    EXPECT_EQ(read("", read("ComputeAllAllelesEM=1\n")).em_wanted, 0);
+    EXPECT_EQ(read_settings("").em_wanted, 0);
+    EXPECT_EQ(read_settings("ComputeAllAllelesEM=1\n").em_wanted, 1);
+    EXPECT_EQ(read_settings("ComputeAllHaplotypesEM=1\n").em_wanted, 1);
+    EXPECT_EQ(read_settings("GibbsInferGamPhase=1\n").em_wanted, 1);
+    EXPECT_EQ(read_settings("", read_settings("ComputeAllAllelesEM=1\n")).em_wanted, 0);
 }
 
 TEST(SettingsReading, FlagsOfAByteForgetWhatLiesAbove255) {
-    EXPECT_FALSE(read("ComputeAllAlleleFreqs=256\n").ComputeAllAlleleFreqs);
-    EXPECT_TRUE(read("ComputeAllAlleleFreqs=257\n").ComputeAllAlleleFreqs);
-    EXPECT_FALSE(read("MismatchDemogExp=512\n").MismatchDemogExp);
-    EXPECT_TRUE(read("MismatchSpatialExp=2\n").MismatchSpatialExp);
+    EXPECT_FALSE(read_settings("ComputeAllAlleleFreqs=256\n").ComputeAllAlleleFreqs);
+    EXPECT_TRUE(read_settings("ComputeAllAlleleFreqs=257\n").ComputeAllAlleleFreqs);
+    EXPECT_FALSE(read_settings("MismatchDemogExp=512\n").MismatchDemogExp);
+    EXPECT_TRUE(read_settings("MismatchSpatialExp=2\n").MismatchSpatialExp);
 }
 
 TEST(SettingsReading, LettersInANumberArePassedOver) {
-    EXPECT_EQ(read("MarkovChainStepsHW=abc\n").MarkovChainStepsHW, 0);
-    EXPECT_EQ(read("MarkovChainStepsHW=1a2\n").MarkovChainStepsHW, 12);
-    EXPECT_EQ(read("MarkovChainStepsHW=500\r\n").MarkovChainStepsHW, 500);
-    EXPECT_EQ(read("GibbsHetSiteInfluenceZone=-1\n").GibbsHetSiteInfluenceZone, -1);
+    EXPECT_EQ(read_settings("MarkovChainStepsHW=abc\n").MarkovChainStepsHW, 0);
+    EXPECT_EQ(read_settings("MarkovChainStepsHW=1a2\n").MarkovChainStepsHW, 12);
+    EXPECT_EQ(read_settings("MarkovChainStepsHW=500\r\n").MarkovChainStepsHW, 500);
+    EXPECT_EQ(read_settings("GibbsHetSiteInfluenceZone=-1\n").GibbsHetSiteInfluenceZone, -1);
 }
 
 TEST(SettingsReading, SmallEpsilonsAreReadWithTheirExponent) {
-    EXPECT_DOUBLE_EQ(read("EpsilonValue=1e-7\n").EpsilonValue, 1e-7);
-    EXPECT_DOUBLE_EQ(read("EpsilonValue=1.000000e-07\n").EpsilonValue, 1e-7);
-    EXPECT_DOUBLE_EQ(read("EpsilonValue=2.5E-3\r\n").EpsilonValue, 2.5e-3);
+    EXPECT_DOUBLE_EQ(read_settings("EpsilonValue=1e-7\n").EpsilonValue, 1e-7);
+    EXPECT_DOUBLE_EQ(read_settings("EpsilonValue=1.000000e-07\n").EpsilonValue, 1e-7);
+    EXPECT_DOUBLE_EQ(read_settings("EpsilonValue=2.5E-3\r\n").EpsilonValue, 2.5e-3);
 }
 
 TEST(SettingsReading, AnOldFileKeepsTheZipperKeyOfTheProjectBefore) {
-    settings const first = read("EMUseZipper=1\nEMNumZipRandOrders=7\n");
-    settings const second = read("TaskNumber=1\n", first);
+    settings const first = read_settings("EMUseZipper=1\nEMNumZipRandOrders=7\n");
+    settings const second = read_settings("TaskNumber=1\n", first);
     EXPECT_EQ(second.EMUseZipper, 1);
     EXPECT_EQ(second.EMNumZipRandOrders, 7);
 }
 
 TEST(SettingsReading, AKeyBehindItsLongerNamesakeTakesThatLinesValue) {
-    settings const set = read("MismatchDistanceMethod=3\nDistanceMethod=1\n");
+    settings const set = read_settings("MismatchDistanceMethod=3\nDistanceMethod=1\n");
     EXPECT_EQ(set.DistanceMethod, 3);
     EXPECT_EQ(set.MismatchDistanceMethod, 3);
-    EXPECT_EQ(read("DistanceMethodAMOVA=5\n").DistanceMethod, 5);
-    EXPECT_EQ(read("GibbsEpsilonValue=0.125\n").EpsilonValue, 0.125);
+    EXPECT_EQ(read_settings("DistanceMethodAMOVA=5\n").DistanceMethod, 5);
+    EXPECT_EQ(read_settings("GibbsEpsilonValue=0.125\n").EpsilonValue, 0.125);
 }
 
 TEST(SettingsReading, ACommentWithTheKeyAndAnEqualSignIsTakenForTheKey) {
-    EXPECT_EQ(read("#GibbsBurnIn is best = 300\nGibbsBurnIn=5\n").GibbsBurnIn, 300);
-    EXPECT_EQ(read("#GibbsBurnIn is the burn-in\nGibbsBurnIn=5\n").GibbsBurnIn, 5);
+    EXPECT_EQ(read_settings("#GibbsBurnIn is best = 300\nGibbsBurnIn=5\n").GibbsBurnIn, 300);
+    EXPECT_EQ(read_settings("#GibbsBurnIn is the burn-in\nGibbsBurnIn=5\n").GibbsBurnIn, 5);
 }
 
 TEST(SettingsReading, BlanksBehindTheSimulationFileNameAreDropped) {
-    EXPECT_EQ(read("SimFileNameForFDist2=my sims.txt  \r\n").SimFileNameForFDist2, "my sims.txt");
-    EXPECT_EQ(read("SimFileNameForFDist2=  \r\n").SimFileNameForFDist2, "");
-    EXPECT_EQ(read("SimFileNameForFDist2=\n").SimFileNameForFDist2, "");
+    EXPECT_EQ(read_settings("SimFileNameForFDist2=my sims.txt  \r\n").SimFileNameForFDist2, "my sims.txt");
+    EXPECT_EQ(read_settings("SimFileNameForFDist2=  \r\n").SimFileNameForFDist2, "");
+    EXPECT_EQ(read_settings("SimFileNameForFDist2=\n").SimFileNameForFDist2, "");
     std::string const name(200, 'n');
-    EXPECT_EQ(read("SimFileNameForFDist2=" + name + "\n").SimFileNameForFDist2, name.substr(0, 79));
+    EXPECT_EQ(read_settings("SimFileNameForFDist2=" + name + "\n").SimFileNameForFDist2, name.substr(0, 79));
 }
 
 TEST(SettingsReading, GarbageIsReadWithoutHarm) {
@@ -150,8 +142,8 @@ TEST(SettingsReading, GarbageIsReadWithoutHarm) {
     for (int round = 0; round < 500; ++round) {
         std::string text;
         for (int i = 0; i < 40; ++i) text += pieces[random() % std::size(pieces)];
-        settings const once = read(text);
-        settings const twice = read(text, once);
+        settings const once = read_settings(text);
+        settings const twice = read_settings(text, once);
         EXPECT_EQ(once.TaskNumber, twice.TaskNumber);
         EXPECT_FALSE(written(once).empty());
     }

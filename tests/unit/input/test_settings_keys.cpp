@@ -8,6 +8,7 @@
 #include <string>
 
 #include "input/settings.h"
+#include "support/settings_text.h"
 
 namespace tov {
 namespace {
@@ -141,24 +142,8 @@ namespace {
     X(MismatchDemogExp, 0)      \
     X(MismatchSpatialExp, 0)
 
-settings read(std::string const& text) {
-    settings set;
-    std::istringstream in(text);
-    set.read_settings(in);
-    return set;
-}
-
-settings read_on(settings set, std::string const& text) {
-    std::istringstream in(text);
-    set.read_settings(in);
-    return set;
-}
-
-std::string written(settings const& set) {
-    std::ostringstream out;
-    set.print_settings(out);
-    return out.str();
-}
+using test::read_settings;
+using test::written;
 
 std::string file_text(std::string const& name) {
     std::ifstream in(name, std::ios::binary);
@@ -237,18 +222,18 @@ TEST(SettingsKeys, ResetTakesFewerLinkageStepsForGenotypesOfUnknownPhase) {
 }
 
 TEST(SettingsKeys, EveryKeyGoesIntoTheFieldOfItsName) {
-#define CHECK(key, initial) EXPECT_EQ(read(#key "=37\n").key, 37) << #key;
+#define CHECK(key, initial) EXPECT_EQ(read_settings(#key "=37\n").key, 37) << #key;
     WHOLE_KEYS(CHECK)
     UNWRITTEN_KEYS(CHECK)
 #undef CHECK
 #define CHECK(key, initial) \
-    EXPECT_EQ(read(#key "=0.375\n").key, std::string(#key) == "PrecProbPopDiff" ? 375 : 0.375) << #key;
+    EXPECT_EQ(read_settings(#key "=0.375\n").key, std::string(#key) == "PrecProbPopDiff" ? 375 : 0.375) << #key;
     DECIMAL_KEYS(CHECK)
 #undef CHECK
-#define CHECK(key, initial) EXPECT_TRUE(read(#key "=1\n").key) << #key;
+#define CHECK(key, initial) EXPECT_TRUE(read_settings(#key "=1\n").key) << #key;
     BOOL_KEYS(CHECK)
 #undef CHECK
-    EXPECT_EQ(read("SimFileNameForFDist2=sims.txt\n").SimFileNameForFDist2, "sims.txt");
+    EXPECT_EQ(read_settings("SimFileNameForFDist2=sims.txt\n").SimFileNameForFDist2, "sims.txt");
 }
 
 bool kept_when_missing(std::string const& key) {
@@ -257,7 +242,7 @@ bool kept_when_missing(std::string const& key) {
 
 TEST(SettingsKeys, AMissingKeyIsZeroUnlessItBelongsToTheEMOrKPVGroup) {
     settings const before = numbered();
-    settings const set = read_on(before, "no keys here\n");
+    settings const set = read_settings("no keys here\n", before);
 #define CHECK(key, initial)                     \
     if (kept_when_missing(#key)) {              \
         EXPECT_EQ(set.key, before.key) << #key; \
@@ -276,7 +261,7 @@ TEST(SettingsKeys, AMissingKeyIsZeroUnlessItBelongsToTheEMOrKPVGroup) {
 
 TEST(SettingsKeys, TheWrittenFileReadsBackToTheSameValues) {
     settings const before = numbered();
-    settings const set = read_on(settings(), written(before));
+    settings const set = read_settings(written(before));
 #define CHECK(key, initial)                                                                     \
     if (std::string(#key) != "GameticPhaseIsKnown" && std::string(#key) != "PrintPopDistMat") { \
         EXPECT_EQ(set.key, before.key) << #key;                                                 \
@@ -349,7 +334,7 @@ TEST(SettingsKeys, EverySettingsFileOfTheCasesGivesEachKeyItsOwnLine) {
         ++files;
         std::string const text = file_text(entry.path().string());
         std::map<std::string, double> const asked = plain_numbers(text);
-        std::map<std::string, double> const got = plain_numbers(written(read(text)));
+        std::map<std::string, double> const got = plain_numbers(written(read_settings(text)));
         for (auto const& [key, value] : got) {
             if (key == "GameticPhaseIsKnown") continue;  // written from the data, not from the file
             ASSERT_TRUE(asked.contains(key)) << entry.path() << ' ' << key;

@@ -7,26 +7,12 @@
 
 #include "input/distance_names.h"
 #include "input/settings.h"
-#include "output/glbobj.h"
 
 namespace tov {
 namespace {
 
 class SettingsSummary : public testing::Test {
 protected:
-    SettingsSummary() : names_(DistanceNames) {
-        DistanceNames = {"Pairwise difference",
-                         "Jukes and Cantor",
-                         "Kimura 2P",
-                         "Proportion of difference",
-                         "Tajima and Nei",
-                         "Tamura",
-                         "Tamura and Nei",
-                         "No. of different alleles (FST)",
-                         "Sum of squared size difference (RST)"};
-    }
-    ~SettingsSummary() override { DistanceNames = names_; }
-
     std::string summary() const {
         std::ostringstream out;
         set.print_pretty_settings(out);
@@ -34,9 +20,6 @@ protected:
     }
 
     settings set;
-
-private:
-    std::array<std::string, 9> names_;
 };
 
 std::string line(std::string const& name, std::string const& value) {

@@ -11,18 +11,8 @@
 namespace tov {
 namespace {
 
-using Rows = std::vector<std::vector<int>>;
-
-ContingencyTable table_of(Rows const& rows) {
-    ContingencyTable t;
-    t.shape(static_cast<int>(rows.size()), static_cast<int>(rows[0].size()));
-    for (int r = 0; r < t.rows; ++r) {
-        for (int c = 0; c < t.columns; ++c) {
-            t.at(r, c) = rows[static_cast<std::size_t>(r)][static_cast<std::size_t>(c)];
-        }
-    }
-    return t;
-}
+using oracle::Rows;
+using oracle::table_of;
 
 TEST(Differentiation, GlobalTestReproducesTheReferenceChain) {
     test::FreshProcess fresh;

@@ -12,6 +12,7 @@
 #include "support/fresh_process.h"
 #include "support/project_text.h"
 #include "support/scratch_directory.h"
+#include "support/text.h"
 #include "translate/imp_exp.h"
 
 namespace tov::test {
@@ -23,8 +24,6 @@ inline std::string project_of(std::string const& text, std::function<void(std::i
     read(in, project);
     return project.str();
 }
-
-inline bool holds(std::string const& text, std::string const& part) { return text.find(part) != std::string::npos; }
 
 inline int count_of(std::string const& text, std::string const& part) {
     int n = 0;
