@@ -248,10 +248,12 @@ my_string Samples::ext_name(my_string const& file) const {
     return file;
 }
 
-void Samples::build_ext_name(char* dest, char const* file) const {
-    my_string const path = ext_name(file);
-    path.str().copy(dest, path.str().size());
-    dest[path.str().size()] = '\0';
+void Samples::build_ext_name(std::span<char> dest, char const* file) const {
+    std::string const path = ext_name(file).str();
+    if (dest.empty()) return;
+    std::size_t const length = path.size() < dest.size() ? path.size() : 0;
+    path.copy(dest.data(), length);
+    dest[length] = '\0';
 }
 
 }  // namespace tov

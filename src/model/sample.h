@@ -3,6 +3,7 @@
 
 #include <iosfwd>
 #include <memory>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -41,9 +42,11 @@ public:
                        bool& size_seen, bool& data_seen, bool& name_seen);
     /// Writes the number of samples and their names into `samples.txt`. @return 1 or 0.
     int explore(std::istream& is, ProfileSettings& profile);
-    /// Path of an external file.
-    void build_ext_name(char* dest, char const* name) const;
+    /// Path of an external file: a name without a directory stands in that of the project's results. Without a
+    /// project the name stays as it is, and the log tells so.
     [[nodiscard]] my_string ext_name(my_string const& name) const;
+    /// The same into an array of characters, ended by a zero; a path that does not fit leaves an empty text.
+    void build_ext_name(std::span<char> dest, char const* name) const;
 
     // --- Checks and conversions (sample.cpp) ---
     /// Same number of loci everywhere; entries that are wholly missing leave their sample. Reports, @return 1 or 0.

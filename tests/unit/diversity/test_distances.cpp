@@ -174,6 +174,29 @@ TEST(RflpMatrix, CountsSitesOrTheirShare) {
     EXPECT_EQ(rflp.get_dist_mat()(2, 0), 0.0);
 }
 
+TEST(RflpPair, CountsByHand) {
+    // equal, changed, equal, gap, missing, missing, changed
+    AnalysedProject p(project("RFLP", "a 3 0111000\nb 1 001-??1\nc 1 0111000\n", "5"));
+    auto& rflp = p.sample_as<PopulRFLP>();
+    EXPECT_EQ(rflp.diff_no_weight("0111000", "001-??1"), 0) << "no site is known to be usable yet";
+    EXPECT_EQ(rflp.pair().distance, 0.0);
+    EXPECT_EQ(rflp.p_diff("0111000", "001-??1"), 0);
+    EXPECT_EQ(rflp.pair().distance, 0.0);
+    EXPECT_EQ(rflp.pair().variance, 0.0);
+    rflp.evaluate_polymorphism(p.set);
+    ASSERT_EQ(rflp.nb_usable_loci(), 7);
+    ASSERT_EQ(rflp.diff_no_weight("0111000", "001-??1"), 1);
+    EXPECT_EQ(rflp.pair().distance, 3.0);
+    EXPECT_DOUBLE_EQ(rflp.pair().variance, 7.0 * (4.0 / 7.0) * (3.0 / 7.0));
+    ASSERT_EQ(rflp.p_diff("0111000", "001-??1"), 1);
+    EXPECT_DOUBLE_EQ(rflp.pair().distance, 3.0 / 7.0);
+    EXPECT_DOUBLE_EQ(rflp.pair().variance, (4.0 / 7.0) * (3.0 / 7.0) / 7.0);
+    rflp.set_deletion_weight(0.0);
+    ASSERT_EQ(rflp.diff_no_weight("0111000", "001-??1"), 1);
+    EXPECT_EQ(rflp.pair().distance, 2.0);
+    EXPECT_DOUBLE_EQ(rflp.pair().variance, 7.0 * (5.0 / 7.0) * (2.0 / 7.0));
+}
+
 TEST(RflpMatrix, WithoutUsableSitesFails) {
     AnalysedProject p(project("RFLP", "a 1 0?\nb 1 1?\n", "2"));
     p.set.AllowedLevelOfMissingData = -1.0;

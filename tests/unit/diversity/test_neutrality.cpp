@@ -41,8 +41,8 @@ public:
         fresh.keep(PopGenetics::globalSubstPolymSites);
         int n = 0;
         for (Entry const& entry : entries) {
-            auto* const definition =
-                new HaploDef(my_string(static_cast<int>(pop.haplotypes.GetItemsInContainer())), my_string(entry.sequence));
+            auto* const definition = new HaploDef(my_string(static_cast<int>(pop.haplotypes.GetItemsInContainer())),
+                                                  my_string(entry.sequence));
             definitions_.emplace_back(definition);
             pop.haplotypes.Add(new PHaploDef(definition, entry.copies));
             n += entry.copies;
@@ -83,8 +83,11 @@ private:
     std::ostream* old_stream_ = nullptr;
 };
 
-std::vector<Entry> const dna_entries{{"ACGTACGTACGTACGTACGT", 4}, {"ACGTACGTACGTACGTACGC", 3}, {"GCGTACGTACTTACGTACGT", 2},
-                                     {"ACGAACGTACGTACGTACGT", 1}, {"ACGTACGTACGTGCGTAAGT", 2}};
+std::vector<Entry> const dna_entries{{"ACGTACGTACGTACGTACGT", 4},
+                                     {"ACGTACGTACGTACGTACGC", 3},
+                                     {"GCGTACGTACTTACGTACGT", 2},
+                                     {"ACGAACGTACGTACGTACGT", 1},
+                                     {"ACGTACGTACGTGCGTAAGT", 2}};
 std::vector<Entry> const rflp_entries{{"0101010101", 4}, {"1101010101", 3}, {"0101010011", 2}, {"0101110101", 1}};
 
 // --- Simulated samples ---
@@ -302,9 +305,9 @@ TEST(TajimaBlock, RefusesUnknownPhase) {
     s.run(task::tajima | task::ewens_watterson | task::chakraborty | task::fu_fs);
     std::string const why =
         "in case of genotypic data with unknown gametic phase\n\nWe hope to change it in a future release...\n";
-    EXPECT_EQ(s.document(), "Tajima's test cannot be computed \n" + why + "Ewens-Watterson tests cannot be computed \n" +
-                                why + "Chakraborty's test cannot be computed \n" + "Fu's Fs test cannot be computed \n" +
-                                why);
+    EXPECT_EQ(s.document(),
+              "Tajima's test cannot be computed \n" + why + "Ewens-Watterson tests cannot be computed \n" + why +
+                  "Chakraborty's test cannot be computed \n" + "Fu's Fs test cannot be computed \n" + why);
     EXPECT_EQ(s.pop.pFusFS(), -1.0);
     EXPECT_EQ(s.pop.fusFS(), 0.0);
     EXPECT_EQ(s.pop.pTajimaD(), -1.0);
@@ -513,7 +516,8 @@ TEST(EwensWattersonTests, RefuseOneAlleleAndLargeSamples) {
     MY_TISArrayAsVector<AHaplFreq> one;
     one.Add(new AHaplFreq(6));
     s.pop.EW_neutrality_tests(s.set, out, one);
-    EXPECT_NE(out.str().find("The test is impossible because there is only one allele in the sample"), std::string::npos);
+    EXPECT_NE(out.str().find("The test is impossible because there is only one allele in the sample"),
+              std::string::npos);
 
     MY_TISArrayAsVector<AHaplFreq> thousand;
     for (int i = 0; i < 1000; ++i) {

@@ -1,11 +1,14 @@
 // Usable and polymorphic sites and loci of samples of all data types, and the checks of their counts.
 #include <gtest/gtest.h>
 
+#include <map>
+
 #include "diversity/popdna.h"
 #include "diversity/popmic.h"
 #include "diversity/poprflp.h"
 #include "diversity/popsta.h"
 #include "support/analysed_project.h"
+#include "support/text.h"
 
 namespace tov {
 namespace {
@@ -71,6 +74,35 @@ TEST(DnaSites, WithoutWeightAreNotCounted) {
     EXPECT_EQ(dna.substitution_counts().indel_sites, 0);
     EXPECT_EQ(dna.numPolymSites(), 1);
     PopGenetics::globalSubstPolymSites.Flush();
+}
+
+TEST(DnaSites, ClassifyABaseAgainstACodeByTheBasesItStandsFor) {
+    PopulDNA const dna;
+    std::map<char, std::string> const bases{{'A', "A"},   {'C', "C"},   {'G', "G"},   {'T', "T"},   {'R', "AG"},
+                                            {'Y', "CT"},  {'S', "CG"},  {'W', "AT"},  {'K', "GT"},  {'M', "AC"},
+                                            {'B', "CGT"}, {'D', "AGT"}, {'H', "ACT"}, {'V', "ACG"}, {'N', "ACGT"}};
+    for (char const base : std::string("ACGT")) {
+        std::string const partner(1, base == 'A' ? 'G' : base == 'G' ? 'A' : base == 'C' ? 'T' : 'C');
+        for (auto const& [code, meant] : bases) {
+            if (code == base) continue;
+            int expected = 4;  // an ambiguity code that excludes the base
+            if (test::holds(meant, std::string(1, base))) {
+                expected = 0;
+            } else if (meant == partner) {
+                expected = 1;
+            } else if (!test::holds(meant, partner)) {
+                expected = 2;  // transversions alone
+            }
+            EXPECT_EQ(dna.compare_nucleotides(base, code), expected) << base << code;
+        }
+        EXPECT_EQ(dna.compare_nucleotides(base, '-'), 3) << base;
+        EXPECT_EQ(dna.compare_nucleotides('-', base), 3) << base;
+        EXPECT_EQ(dna.compare_nucleotides(base, '?'), 0) << base;
+    }
+    EXPECT_EQ(dna.compare_nucleotides('0', '1'), 4);
+    EXPECT_EQ(dna.compare_nucleotides('1', '-'), 3);
+    EXPECT_EQ(dna.compare_nucleotides('-', '1'), 0);
+    EXPECT_EQ(dna.compare_nucleotides('B', '-'), 0);
 }
 
 TEST(DnaSites, TakeTheirReferenceFromTheFirstHaplotypeThatIsKnown) {

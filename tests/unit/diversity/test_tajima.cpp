@@ -3,8 +3,10 @@
 
 #include <cmath>
 #include <limits>
+#include <utility>
 
 #include "diversity/formula/tajima.h"
+#include "diversity/popgen.h"
 
 namespace tov {
 namespace {
@@ -101,6 +103,47 @@ TEST(TajimaDensity, IsZeroAtTheEnds) {
     EXPECT_EQ(tajima_d_density(2.0, 2.0, -1.0, 1.0, -1.0), 0.0);
     EXPECT_EQ(tajima_d_density(2.0, 2.0, 1.0, 1.0, 0.0), 0.0);
     EXPECT_DOUBLE_EQ(tajima_d_density(0.0, 2.0, 0.0, 1.0, 0.5), 0.5 / 0.5);
+}
+
+TEST(TajimaDensity, OfTheShapesOfDHasMeanZeroAndVarianceOne) {
+    // Tajima (1989) chose the shapes so that D on (low, high) has these two moments.
+    for (auto const& [low, high] : {std::pair{-1.7, 2.2}, std::pair{-2.5, 3.5}}) {
+        double const a = -(1.0 + low * high) * high / (high - low);
+        double const b = (1.0 + low * high) * low / (high - low);
+        constexpr int steps = 20000;
+        double const half_pi = std::acos(0.0);
+        double mass = 0.0;
+        double mean = 0.0;
+        double square = 0.0;
+        for (int i = 0; i < steps; ++i) {
+            // x = low + (high - low) sin^2 t, which is smooth at both ends
+            double const t = half_pi * (i + 0.5) / steps;
+            double const x = low + (high - low) * std::sin(t) * std::sin(t);
+            double const dx = (high - low) * 2.0 * std::sin(t) * std::cos(t) * half_pi / steps;
+            double const part = PopGenetics::Tajima_D_density(a, b, low, high, x) * dx;
+            mass += part;
+            mean += part * x;
+            square += part * x * x;
+        }
+        EXPECT_NEAR(mass, 1.0, 1e-6) << low;
+        EXPECT_NEAR(mean, 0.0, 1e-6) << low;
+        EXPECT_NEAR(square, 1.0, 1e-6) << low;
+    }
+}
+
+TEST(TajimaDOfASimulatedSample, IsThatOfFourCopiesByHand) {
+    // n = 4: a1 = 11/6, e1 = 6/1089, e2 = 83 * 36 / (6534 * 170).
+    PopGenetics pop;
+    pop.p_tajima_D_ = 0.25;
+    pop.fast_tajimaD(4, 3.0, 5.0);
+    double const variance = 6.0 / 1089.0 * 5.0 + 83.0 * 36.0 / (6534.0 * 170.0) * 5.0 * 4.0;
+    EXPECT_NEAR(pop.tajimaD(), (3.0 - 30.0 / 11.0) / std::sqrt(variance), 1e-13);
+    EXPECT_EQ(pop.pTajimaD(), 0.25);
+    pop.tajimaD(4, 3.0, 5.0);
+    EXPECT_NEAR(pop.tajimaD(), (3.0 - 30.0 / 11.0) / std::sqrt(variance), 1e-13);
+    pop.fast_tajimaD(4, 0.0, 0.0);
+    EXPECT_EQ(pop.tajimaD(), 0.0);
+    EXPECT_EQ(pop.pTajimaD(), -1.0);
 }
 
 }  // namespace

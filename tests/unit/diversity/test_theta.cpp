@@ -8,6 +8,7 @@
 #include "diversity/formula/heterozygosity.h"
 #include "diversity/formula/mean_differences.h"
 #include "diversity/formula/theta.h"
+#include "diversity/popsta.h"
 
 namespace tov {
 namespace {
@@ -199,6 +200,42 @@ TEST(ThetaK, LimitsFallBackWhenTheTableOverflows) {
     ThetaLimits const limits = theta_k_limits(B, 1990, 880, theta_from_alleles(1990, 880), 0.05);
     EXPECT_EQ(limits.low, 0.0);
     EXPECT_EQ(limits.high, 1e8);
+}
+
+// --- The same of samples ---
+
+// Unsigned Stirling numbers of the first kind, n = 4: 6 11 6 1; n = 5: 24 50 35 10 1. P(k) is the k-th times theta^k
+// over theta (theta + 1) ... (theta + n - 1).
+
+TEST(EwensProbabilitiesOfASample, OfAtMostKAllelesIsThePolynomialOfStirlingNumbers) {
+    ASSERT_TRUE(PopGenetics::extend_B_num_mat(5, 5));
+    for (double const t : {0.3, 1.0, 4.0}) {
+        EXPECT_NEAR(PopGenetics::proba_less_or_k(2, 4, t), (6 + 11 * t) / ((t + 1) * (t + 2) * (t + 3)), 1e-12) << t;
+        EXPECT_NEAR(PopGenetics::proba_less_or_k(3, 5, t),
+                    (24 + 50 * t + 35 * t * t) / ((t + 1) * (t + 2) * (t + 3) * (t + 4)), 1e-12)
+            << t;
+    }
+}
+
+TEST(ChakrabortyOfASample, IsTheProbabilityOfAsManyAllelesOrMore) {
+    PopulStandard pop;
+    pop.set_sample_size(5);
+    ASSERT_TRUE(PopGenetics::extend_B_num_mat(5, 5));
+    auto const three_or_more = [](double t) {
+        return t * t * (35 + 10 * t + t * t) / ((t + 1) * (t + 2) * (t + 3) * (t + 4));
+    };
+    for (double const t : {0.3, 1.0, 4.0}) {
+        EXPECT_NEAR(pop.calc_p_chakraborty_test(3, t), three_or_more(t), 1e-12) << t;
+    }
+    // By the sample's own alleles and its theta.
+    HaploDef a(my_string("a"), my_string("0"));
+    HaploDef b(my_string("b"), my_string("1"));
+    HaploDef c(my_string("c"), my_string("2"));
+    pop.haplotypes.Add(new PHaploDef(&a, 3));
+    pop.haplotypes.Add(new PHaploDef(&b, 1));
+    pop.haplotypes.Add(new PHaploDef(&c, 1));
+    pop.theta_hom_ = 1.5;
+    EXPECT_NEAR(pop.calc_p_chakraborty_test(), three_or_more(1.5), 1e-12);
 }
 
 }  // namespace

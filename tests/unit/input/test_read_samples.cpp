@@ -1,6 +1,8 @@
 // The section [[Samples]]: haplotypes, genotypes, frequencies, external files, and every complaint.
 #include <gtest/gtest.h>
 
+#include <span>
+
 #include "input/settings.h"
 #include "support/project_text.h"
 #include "support/scratch_directory.h"
@@ -485,6 +487,22 @@ TEST(Samples, ExternalNamesGetTheProjectDirectory) {
     char buffer[32];
     samples.build_ext_name(buffer, "a.txt");
     EXPECT_STREQ(buffer, "p.res/a.txt");
+}
+
+TEST(Samples, ExternalNamesStayWithinTheirArray) {
+    test::FreshProcess fresh;
+    settings run;
+    run.project_dir = "p.res/";
+    Samples samples;
+    samples.run_settings = &run;
+    char exact[12];
+    samples.build_ext_name(exact, "a.txt");
+    EXPECT_STREQ(exact, "p.res/a.txt");
+    char buffer[12] = {'x', 'x', 'x', 'x', 'x', 'x', 'x', 'x', 'x', 'x', 'x', 'y'};
+    samples.build_ext_name(std::span(buffer, 11), "a.txt");
+    EXPECT_STREQ(buffer, "");
+    EXPECT_EQ(std::string(buffer + 1, 11), "xxxxxxxxxxy");
+    samples.build_ext_name({}, "a.txt");
 }
 
 TEST(Samples, TenThousandSamplesAreReadInLinearTime) {

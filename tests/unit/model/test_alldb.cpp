@@ -172,11 +172,20 @@ TEST(TAlleleDB, FrequencyVectorsComeZeroedAndGoOnFlush) {
     EXPECT_EQ(copy.pop_freq()[2], 7.0);
     db.create_pop_freq_vector(3);
     EXPECT_EQ(db(0, 0)->pop_freq()[2], 0.0);
+    db.InsertAllPos(1, my_string("B"), 1.0);
+    db.create_pop_freq_vector(3);
+    db.flush_pop_freq_vector();
+    EXPECT_EQ(db(0, 0)->pop_freq(), nullptr);
+    EXPECT_EQ(db(1, 0)->pop_freq(), nullptr);
+    EXPECT_NE(db(0, 0)->group_freq(), nullptr) << "those of groups stay";
+    EXPECT_EQ(TAllele::numPop, 3);
+    db.flush_pop_freq_vector();
+    db.create_pop_freq_vector(1);
     db.reset_all_pop_freqs();
     db.flush_group_freq_vector();
     EXPECT_EQ(db(0, 0)->pop_freq(), nullptr);
     EXPECT_EQ(db(0, 0)->group_freq(), nullptr);
-    EXPECT_EQ(TAllele::numPop, 3);
+    EXPECT_EQ(TAllele::numPop, 1);
 }
 
 TEST(TAllele, DefaultIsNamedUndefAndSelected) {

@@ -70,6 +70,37 @@ TEST(TPopHaploDB, CleanWithTwoEmptiesAPoolOfFrequencies) {
     EXPECT_EQ(pool.nb_haplotypes(), 0);
 }
 
+TEST(TPopHaploDB, ResetsFrequenciesAndCountsApart) {
+    ModelData data;
+    TPopHaploDB pool;
+    for (std::string_view const alleles : {"AB", "Ab", "aB"}) {
+        TPopHaplotype* const h = pool.insert(data.haplotype(alleles), 0.25);
+        h->set_homo_freq(7);
+    }
+    pool.reset_freq();
+    for (TPopHaplotype const* const h : pool.view()) {
+        EXPECT_EQ(h->freq(), 0.0);
+        EXPECT_EQ(h->homo_count(), 7);
+        EXPECT_EQ(pool.find(*h), h);
+    }
+    pool.haplotype(1).set_freq(0.5);
+    pool.reset_homo_count();
+    for (TPopHaplotype const* const h : pool.view()) EXPECT_EQ(h->homo_count(), 0);
+    EXPECT_EQ(pool.haplotype(1).freq(), 0.5);
+}
+
+TEST(TPopHaploDB, FlushedPoolFindsNothingAndFillsAnew) {
+    ModelData data;
+    TPopHaploDB pool;
+    pool.insert(data.haplotype("AB"), 0.5);
+    pool.insert(data.haplotype("ab"), 0.5);
+    pool.flush_haplotypes();
+    EXPECT_EQ(pool.nb_haplotypes(), 0);
+    EXPECT_EQ(pool.find(data.haplotype("AB")), nullptr);
+    EXPECT_EQ(pool.insert(data.haplotype("ab"), 0.25)->freq(), 0.25) << "not added to the old one";
+    EXPECT_EQ(texts(pool), std::vector<std::string>{"ab"});
+}
+
 TEST(TPopHaploDB, SelectionIsNullBeyondTheSum) {
     ModelData data;
     TPopHaploDB pool;

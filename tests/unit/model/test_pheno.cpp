@@ -1,7 +1,9 @@
 // Phenotypes and their list.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
+#include <map>
 #include <sstream>
 
 #include "base/special.h"
@@ -508,6 +510,90 @@ TEST(TPhenDB, DetailedListPrintsBothHaplotypesOfEachGenotype) {
     EXPECT_EQ(os.str(),
               "\n\nList of detailed genotypes\n==========================\n\n"
               "0          0.500\n1.00000       A\n               B\n");
+}
+
+TEST(TGenotype, PrintsItsShareOfATotalAndBothHaplotypes) {
+    ModelData data;
+    TPopHaplotype first = data.haplotype("AB");
+    TPopHaplotype second = data.haplotype("ab");
+    first.set_separator(' ');
+    second.set_separator(' ');
+    TGenotype g(&first, &second);
+    g.set_prob(0.125);
+    std::ostringstream os;
+    g.print_genot(os, 0.5);
+    EXPECT_EQ(os.str(), "0.25000       A B \n               a b \n");
+    os.str("");
+    g.print_genot(os, 0.0);
+    EXPECT_EQ(os.str(), "0.00000       A B \n               a b \n");
+}
+
+TEST(TPhenotype, PrintsItsProbabilityAndTheSharesOfItsGenotypes) {
+    // AB/ab or Ab/aB with frequencies 0.4 0.3 0.2 0.1: 2 (0.12 + 0.02) = 0.28, of which 6/7 and 1/7.
+    ModelData data;
+    auto const p = data.phenotype("AB", "ab");
+    p->set_name("one & only");
+    TPopHaploDB pool;
+    p->build_genotypes(pool, &data.db, 0, false);
+    for (TPopHaplotype* const h : pool.view()) {
+        std::string const alleles = text(*h);
+        h->set_freq(alleles == "AB" ? 0.4 : alleles == "ab" ? 0.3 : alleles == "Ab" ? 0.2 : 0.1);
+    }
+    p->update_gen_prob();
+    std::ostringstream os;
+    p->print_detailed_genotypes(os);
+    std::string const printed = os.str();
+    EXPECT_TRUE(printed.starts_with("one &amp; only          0.280\n")) << printed;
+    EXPECT_NE(printed.find("0.85714       "), std::string::npos) << printed;
+    EXPECT_NE(printed.find("0.14286       "), std::string::npos) << printed;
+    EXPECT_EQ(std::count(printed.begin(), printed.end(), '\n'), 5);
+}
+
+TEST(TPhenotype, GivesItsCountToTheHaplotypesByTheSharesOfItsGenotypes) {
+    // The same phenotype, 14 times: 12 of AB and ab each, 2 of Ab and aB each, on top of what the haplotypes have.
+    ModelData data;
+    auto const p = data.phenotype("AB", "ab", 14.0);
+    TPopHaploDB pool;
+    p->build_genotypes(pool, &data.db, 0, false);
+    std::map<std::string, double> frequency{{"AB", 0.4}, {"ab", 0.3}, {"Ab", 0.2}, {"aB", 0.1}};
+    for (TPopHaplotype* const h : pool.view()) h->set_freq(frequency.at(text(*h)));
+    p->update_gen_prob();
+    p->update_hapl_freq_in_genotypes();
+    std::map<std::string, double> const gained{{"AB", 12.0}, {"ab", 12.0}, {"Ab", 2.0}, {"aB", 2.0}};
+    ASSERT_EQ(pool.nb_haplotypes(), 4);
+    for (TPopHaplotype const* const h : pool.view()) {
+        EXPECT_NEAR(h->freq(), frequency.at(text(*h)) + gained.at(text(*h)), 1e-12) << text(*h);
+    }
+    // A homozygote gives twice its count.
+    auto const same = data.phenotype("AB", "AB", 3.0);
+    TPopHaploDB one;
+    same->build_genotypes(one, &data.db, 0, false);
+    one.haplotype(0).set_freq(0.5);
+    same->update_gen_prob();
+    one.reset_freq();
+    same->update_hapl_freq_in_genotypes();
+    EXPECT_DOUBLE_EQ(one.haplotype(0).freq(), 6.0);
+}
+
+TEST(TPhenotype, ChromosomesAreReplacedByCopies) {
+    ModelData data;
+    auto const p = data.phenotype("AB", "ab");
+    {
+        TPopHaplotype const other = data.haplotype("XY", 0.25);
+        p->set_pseudo_hapl(other, 0);
+        EXPECT_NE(p->ps_hapl0(), &other);
+    }
+    EXPECT_EQ(text(*p->ps_hapl0()), "XY");
+    EXPECT_EQ(p->ps_hapl0()->freq(), 0.25);
+    EXPECT_EQ(text(*p->ps_hapl1()), "ab");
+    p->set_pseudo_hapl(data.haplotype("Zb"), 1);
+    EXPECT_EQ(text(*p->ps_hapl1()), "Zb");
+    p->set_pseudo_hapl0(data.db(1, my_string("b")), 1);
+    EXPECT_EQ(text(*p->ps_hapl0()), "Xb");
+    EXPECT_EQ(text(*p->ps_hapl1()), "Zb");
+    p->delete_pheno();
+    p->set_pseudo_hapl0(data.db(1, my_string("b")), 1);
+    EXPECT_EQ(p->ps_hapl0(), nullptr) << "no chromosome, nothing to set";
 }
 
 }  // namespace

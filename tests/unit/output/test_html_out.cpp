@@ -7,6 +7,8 @@
 #include <iterator>
 #include <sstream>
 
+#include "input/settings.h"
+#include "model/sample.h"
 #include "output/html_out.h"
 #include "output/xml.h"
 
@@ -130,6 +132,25 @@ TEST_F(Document, EntryWithoutDocumentOrWritableScriptIsHarmless) {
     print_js_doc_entry(target, 2, "_a", "A");
     print_js_aux_entry(target, 0, "_a", "A");
     EXPECT_FALSE(fs::exists(target.script));
+}
+
+TEST_F(Document, EntriesTakeTheNamesOfTheRunFromItsSettings) {
+    settings set;
+    set.result_file = path("name.res") + "/name.xml";
+    set.tree_script = path("name.js");
+    set.run_id = "id";
+    std::ostream* const before = set.set_ofs(&out);
+    print_js_tovenia_log_entry(set);
+    EXPECT_EQ(content(set.tree_script),
+              "insDoc(foldersTree, gLnk(\"R\", \"Tovenia log file\", \"Tovenia_log.txt\"))\n");
+    EXPECT_EQ(out.str(), "");
+    Samples samples;
+    samples.print_computation_anchor(3, set, my_string("Mantel \"test\""), my_string("_man tel"));
+    EXPECT_EQ(out.str(), " <A NAME=\"id_man_tel\"></A> ");
+    EXPECT_TRUE(content(set.tree_script)
+                    .ends_with("insDoc(aux2, gLnk(\"R\", \"Mantel \\\"test\\\"\", \"name.xml#id_man_tel\"))\n"))
+        << content(set.tree_script);
+    set.set_ofs(before);
 }
 
 TEST_F(Document, HtmlAnchorsInHtml) {

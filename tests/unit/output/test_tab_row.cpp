@@ -27,9 +27,15 @@ TEST(TabRow, IsWrittenWholeWhenItEnds) {
     EXPECT_EQ(out.str(), "1\t2\n");
 }
 
-TEST(TabRow, WithoutATableTakesCellsOnly) {
-    TabRow row(nullptr, {});
-    row.quoted("x") << 1 << 2.0 << "y";
+TEST(TabRow, WithoutATableTakesCellsAndLeavesTheNextRowAlone) {
+    std::ostringstream out;
+    {
+        TabRow row(nullptr, {});
+        TabRow& after = row.quoted("x") << 1 << 2.0 << "y";
+        EXPECT_EQ(&after, &row);
+        TabRow(out) << "z";
+    }
+    EXPECT_EQ(out.str(), "z\n");
 }
 
 TEST(TabRow, NumbersHaveTheDigitsOfTheTableAndIntegersAll) {

@@ -144,8 +144,8 @@ TEST(RangeExpansion, WithTauZeroPairsCoalesceAtRateOne) {
     EXPECT_NEAR(t.mean(), 1.0, 4.0 * t.error_of_mean());
 }
 
-// Two lineages in the deme: a coalescence at rate 1 or the first departure at rate 2m, whichever comes first before tau.
-// A pair that is parted coalesces at tau plus an exponential time of mean 1, as does one that saw no event.
+// Two lineages in the deme: a coalescence at rate 1 or the first departure at rate 2m, whichever comes first before
+// tau. A pair that is parted coalesces at tau plus an exponential time of mean 1, as does one that saw no event.
 TEST(RangeExpansion, PairTimesFollowTheCompetingRates) {
     for (double const m : {0.5, 2.0}) {
         test::seed(-11);
@@ -240,6 +240,25 @@ TEST(ScaleToGenerations, LeavesTipsAtZero) {
     tree.scale_to_num_generations(4000000);
     EXPECT_NEAR(tree[10].time, 1.610295561 * 4e6, 0.01);
     EXPECT_EQ(tree[5].time, 0.0);
+}
+
+TEST(PairwiseDivergence, OfThreeCopiesByHand) {
+    // ((0, 1) at 1/4, 2) at 2: pairs of divergence 1/2, 4 and 4.
+    TNode nodes[5];
+    nodes[3].left = &nodes[0];
+    nodes[3].right = &nodes[1];
+    nodes[3].time = 0.25;
+    nodes[4].left = &nodes[3];
+    nodes[4].right = &nodes[2];
+    nodes[4].time = 2.0;
+    ASSERT_EQ(nodes[4].count_desc(), 3);
+    double sum = 1.0;
+    double squares = 10.0;
+    nodes[4].compute_moments_of_pairwise_divergence(sum, squares);
+    EXPECT_DOUBLE_EQ(sum, 1.0 + 0.5 + 4.0 + 4.0) << "added to what was there";
+    EXPECT_DOUBLE_EQ(squares, 10.0 + 0.25 + 16.0 + 16.0);
+    nodes[0].compute_moments_of_pairwise_divergence(sum, squares);
+    EXPECT_DOUBLE_EQ(sum, 9.5);
 }
 
 TEST(CoalescenceMoments, AgreeWithTheTimesOfAllPairs) {
