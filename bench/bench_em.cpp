@@ -11,7 +11,7 @@
 
 namespace {
 
-// A sample of n individuals over some biallelic loci, each phenotype with its 2^(h - 1) pairs, as an estimation sees it.
+// A sample of n individuals over some biallelic loci as an estimation sees it: each phenotype with its 2^(h - 1) pairs.
 struct Sample {
     Sample(int individuals, int loci, bool inbreeding) {
         options.inbreeding = inbreeding;

@@ -1,5 +1,5 @@
-// A step of the phase sampler held against a plain walk over the alleles of its windows, and assignment held against its
-// look-ups and multiplications.
+// A step of the phase sampler held against a plain walk over the alleles of its windows, and assignment held against
+// its look-ups and multiplications.
 #include <benchmark/benchmark.h>
 
 #include <cstdint>

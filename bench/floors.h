@@ -36,9 +36,9 @@ double draws_and_scans(int const* steps, std::size_t draws, double const* table,
 /// side. The genotypes of an EM iteration in their barest form.
 double share_pairs(std::int32_t const* pairs, std::size_t n, double const* freq, double* gain) noexcept;
 
-/// Sum over `steps` steps that together spend `draws` numbers of the generator, each with `look_ups` look-ups of a table
-/// of `n` cells at places that draws choose; draws beyond the look-ups are spent in equal parts, the rest at the end.
-/// Steps with fewer draws than look-ups look twice at a place.
+/// Sum over `steps` steps that together spend `draws` numbers of the generator, each with `look_ups` look-ups of a
+/// table of `n` cells at places that draws choose; draws beyond the look-ups are spent in equal parts, the rest at the
+/// end. Steps with fewer draws than look-ups look twice at a place.
 double draws_and_look_ups(Ran3State& generator, int const* cells, int n, long steps, long draws, int look_ups) noexcept;
 
 }  // namespace tov::floors

@@ -1,4 +1,4 @@
-// Feeds arbitrary bytes to the readers of simulation parameters and of simulated loci, and tests loci against the latter.
+// Feeds arbitrary bytes to the readers of simulation parameters and simulated loci, and tests loci against the latter.
 #include <cmath>
 #include <cstddef>
 #include <cstdint>

@@ -20,7 +20,8 @@ enum class BroydenStatus {
 /// Solver of n equations in n unknowns: Broyden's rank-one update of a QR-factored Jacobian with a backtracking line
 /// search along the quasi-Newton step. Works in long double; roots are taken through double precision.
 ///
-/// Source: Dennis & Schnabel 1983, Numerical Methods for Unconstrained Optimization and Nonlinear Equations, ch. 6, 8, A6.
+/// Source: Dennis & Schnabel 1983, Numerical Methods for Unconstrained Optimization and Nonlinear Equations,
+/// chapters 6 and 8, algorithm A6.
 class TBroyden {
 public:
     using Vector = std::vector<long double>;

@@ -13,8 +13,8 @@ namespace tov {
 
 namespace {
 
-/// Largest distance with a distribution: beyond it the classes alone would fill the memory. Only weights or allele sizes
-/// of millions get there.
+/// Largest distance with a distribution: beyond it the classes alone would fill the memory. Only weights or allele
+/// sizes of millions get there.
 constexpr int largest_class = 5000000;
 
 }  // namespace

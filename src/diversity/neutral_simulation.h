@@ -18,9 +18,9 @@ struct SimulatedSample {
 
 /// Simulates a sample of the same number of gene copies and usable sites, again and again, on the sample's own tree.
 ///
-/// Pi, S and k are counted from the mutations. This gives, digit for digit, what the analysis of the simulated sequences
-/// gives, as long as the sums of weights are exact; for weights that are not whole numbers the sequences are analysed.
-/// The counters of TNode::hits belong to the simulation from its construction to its end.
+/// Pi, S and k are counted from the mutations. This gives, digit for digit, what the analysis of the simulated
+/// sequences gives, as long as the sums of weights are exact; for weights that are not whole numbers the sequences are
+/// analysed. The counters of TNode::hits belong to the simulation from its construction to its end.
 class NeutralSimulation {
 public:
     /// @param sample   borrowed; its gene copies, usable sites and tree are used.

@@ -51,7 +51,8 @@ void print_fu_single_allele(std::ostream& out, int copies, int alleles) {
 
 void print_fu_sample(std::ostream& out, FuReport const& r) {
     if (r.checks_definition) {
-        out << "Original No. of alleles      :" << r.original_alleles << "\nActual No. of # alleles  (k) :" << r.alleles;
+        out << "Original No. of alleles      :" << r.original_alleles
+            << "\nActual No. of # alleles  (k) :" << r.alleles;
     } else {
         out << "Original No. of alleles(k)   :" << r.alleles;
     }
@@ -104,7 +105,8 @@ std::string_view ewens_obstacle_row(EwensObstacle obstacle) {
 }
 
 void print_ewens_table_limit(std::ostream& out) {
-    out << "Watterson F test of selective neutrality is not possible with more than " << MOST_ALLELES << " alleles or \n"
+    out << "Watterson F test of selective neutrality is not possible with more than " << MOST_ALLELES
+        << " alleles or \n"
         << "with more than " << MOST_COPIES << " gene copies\n";
 }
 
@@ -146,7 +148,8 @@ void PopGenetics::print_exp_freq(std::ostream& out, MY_TISArrayAsVector<AHaplFre
         << rule{6 + 4 * WIDTH} << '\n';
     int rank = 0;
     for (AHaplFreq const* const f : ranks) {
-        out << integer{++rank, 6} << real(f->frequency) << real(f->sq_frequency) << real(f->mean) << real(f->sd) << '\n';
+        out << integer{++rank, 6} << real(f->frequency) << real(f->sq_frequency) << real(f->mean) << real(f->sd)
+            << '\n';
     }
     out << '\n';
 }

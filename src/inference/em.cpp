@@ -37,7 +37,8 @@ void build_genotypes(Population& sample, TPhenDB& ph, TPopHaploDB& pool, setting
         if (how.previous) {
             p->build_compatible_genotypes(*how.previous, how.flags, pool, sample.alleles, recessive, 0.0);
             if (room_of(genotypes + p->genot_real_count(), pool.nb_haplotypes()) > most_room) refuse_genotypes(*p);
-        } else if (genotypes_fit(p->candidate_bits(sample.alleles, recessive), room_of(genotypes, pool.nb_haplotypes()))) {
+        } else if (genotypes_fit(p->candidate_bits(sample.alleles, recessive),
+                                 room_of(genotypes, pool.nb_haplotypes()))) {
             p->build_genotypes(pool, sample.alleles, recessive, false);
         } else {
             refuse_genotypes(*p);

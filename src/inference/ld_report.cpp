@@ -72,8 +72,8 @@ void print_ld_genotype_pair(std::ostream& out, LinkedGenotypePair const& pair) {
         << "LnLHood LD : " << num{pair.lnLD, 0, decimals} << "  LnLHood LE : " << num{pair.lnLE, 0, decimals}
         << "\nExact P= ";
     print_p(out, pair.test, " permutations done)   \n");
-    out << "  Chi-square test value=" << num{pair.chi, 0, decimals} << " (P = " << num{p, 0, decimals} << ",  " << pair.df
-        << " d.f.)\n\n";
+    out << "  Chi-square test value=" << num{pair.chi, 0, decimals} << " (P = " << num{p, 0, decimals} << ",  "
+        << pair.df << " d.f.)\n\n";
 }
 
 // --- Tables over all pairs ---

@@ -322,8 +322,8 @@ constexpr TableText batch_tables[] = {
     {"ewens.sum", "_EWENS_WATTERSON_", "Ewens-Watterson test:\n", "sample with more than one haplotype", ewens},
     {"chakra.sum", "_CHAKRABORTY_", "Chakraborty's test:\n", "sample that can be tested", chakraborty},
     {"pairdist.sum", "_PAIRWISE_DIST_", "\t", pair_row, pair_fst,
-     "When the FST were tested, a line `p-Values matrix : No of permutations : ` with their number follows, and a line a "
-     "sample with its P-values, `*` in place of its own."},
+     "When the FST were tested, a line `p-Values matrix : No of permutations : ` with their number follows, and a line "
+     "a sample with its P-values, `*` in place of its own."},
     {"FSTdist.sum", "_PAIRWISE_DIST_", "\t", pair_row, pair_fst},
     {"VCompdist.sum", "_PAIRWISE_DIST_", "\t", pair_row, pair_variance},
     {"pairdiff.sum", "_PAIRWISE_DIST_", "\t", pair_row, pair_differences},

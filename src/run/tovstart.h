@@ -5,7 +5,8 @@ namespace tov {
 
 class Project;
 
-extern Project* PPP;  ///< The project object of the process, reused for all projects; null before tovstart(). Owned here.
+/// The project object of the process, reused for all projects; null before tovstart(). Owned here.
+extern Project* PPP;
 
 /// Obeys `tov_run.txt` in `directory`.
 ///

@@ -53,7 +53,8 @@ int GammaRates::site_from_below(double u) const noexcept {
 
 int GammaRates::site_from_above(double u) const noexcept {
     auto const hit = std::upper_bound(sums_down_.begin(), sums_down_.end(), u);
-    int const steps = static_cast<int>(hit == sums_down_.end() ? hit - sums_down_.begin() - 1 : hit - sums_down_.begin());
+    int const steps =
+        static_cast<int>(hit == sums_down_.end() ? hit - sums_down_.begin() - 1 : hit - sums_down_.begin());
     return num_sites() - 1 - steps;
 }
 

@@ -196,8 +196,8 @@ private:
     std::array<std::vector<double>, 4> sorted_null_;  ///< by component, for the histogram
 };
 
-/// Looks through the haplotype numbers of a sample's gene copies: one without a row of the distance matrix is told in the
-/// log, reported as code 2 and becomes `known`, which counts nowhere.
+/// Looks through the haplotype numbers of a sample's gene copies: one without a row of the distance matrix is told in
+/// the log, reported as code 2 and becomes `known`, which counts nowhere.
 ///
 /// @param known   rows of the matrix.
 /// @param listed  haplotypes of the project.

@@ -75,7 +75,8 @@ void Amova::print_population_fst() {
     print_amova_anchor(2, view_.set, groups ? "FST per group" : "FST per pop",
                        groups ? "GR_AMOVA_FST" : "POP_AMOVA_FST");
     int const width = name_width(populations_);
-    out << "\n-------------------------------\nPopulation specific FST indices\n" << label{"Pop#", 4} << "  " << left_label{"Name", width} << label{"FST", 10} << "\n";
+    out << "\n-------------------------------\nPopulation specific FST indices\n"
+        << label{"Pop#", 4} << "  " << left_label{"Name", width} << label{"FST", 10} << "\n";
     for (std::size_t p = 0; p < populations_.size(); ++p) {
         out << integer{static_cast<long long>(p) + 1, 4} << "  "
             << user_text{populations_[p]->pop_name().c_str(), width} << num{results_->fst_per_pop[p], 10, 5} << "\n";

@@ -210,8 +210,8 @@ public:
         for (int k = 0; k < levels(case_); ++k) {
             ssd_total += ssd_[k];
             double const share = total_ != 0.0 ? 100.0 * variance_[k] / total_ : 0.0;
-            out << row_label(case_.labels[k]) << num{ssd_[k], 15, 3} << num{variance_[k], 15, 5} << " " << component_names[k]
-                << num{share, 17, 2} << "\n\n";
+            out << row_label(case_.labels[k]) << num{ssd_[k], 15, 3} << num{variance_[k], 15, 5} << " "
+                << component_names[k] << num{share, 17, 2} << "\n\n";
         }
         out << rule{70} << "\n" << row_label(" Total") << num{ssd_total, 15, 3} << num{total_, 15, 5} << "\n"
             << rule{70} << "\n";

@@ -160,8 +160,8 @@ void DiffInterPop::print_global(ChainOutcome const& outcome) const {
     }
     out << "\n" << rule{74} << "\nGlobal test of differentiation among sample:"
         << "\n--------------------------------------------\n"
-        << "\n Non-differentiation: Exact P value = " << num{outcome.p, 5, 5} << " +- " << num{outcome.sd, 5, 5} << "  ("
-        << outcome.steps << " Markov steps done)";
+        << "\n Non-differentiation: Exact P value = " << num{outcome.p, 5, 5} << " +- " << num{outcome.sd, 5, 5}
+        << "  (" << outcome.steps << " Markov steps done)";
 }
 
 void DiffInterPop::print_pairs() {
@@ -205,7 +205,8 @@ void DiffInterPop::print_significance() const {
     int const R = samples_->NbPopulations();
     double const level = set_->SignLevelPopDiff;
     CellValue const p = [this](int i, int j) {
-        return p_values_[static_cast<std::size_t>(i) * static_cast<std::size_t>(i - 1) / 2 + static_cast<std::size_t>(j)];
+        return p_values_[static_cast<std::size_t>(i) * static_cast<std::size_t>(i - 1) / 2 +
+                         static_cast<std::size_t>(j)];
     };
     std::vector<std::string> const labels = number_labels(R);
     out << "\n\n--------------------------------"

@@ -34,9 +34,9 @@ longest row has cells).
 
 `glbstreams.txt` lies in the working directory. Line 1 is a prefix, so a directory ends with a slash; each further line
 names a flag. A start writes to every table of a flag a banner (two empty lines, a rule of 67 dashes,
-`Tovenia batch run summary file"`), a title and a head, then rows as the projects go on. Rows exist only for analyses that
-were run; groups, when they are analysed, have rows of their own in front of those of the samples. A column without a word
-in the head follows the one before it.
+`Tovenia batch run summary file"`), a title and a head, then rows as the projects go on. Rows exist only for analyses
+that were run; groups, when they are analysed, have rows of their own in front of those of the samples. A column without
+a word in the head follows the one before it.
 )";
 
 constexpr char statistics_text[] = R"(
@@ -44,13 +44,13 @@ constexpr char statistics_text[] = R"(
 
 `sumstat_def.txt` lies in the directory that line 1 of the run list names. A keyword counts wherever it stands in a line
 and in whatever case; `#` begins a comment. A keyword inside a longer one counts too: `ALLSD_K` asks for `SD_K` as well.
-`POP_LEVEL` and `GROUP_LEVEL` choose the levels that are analysed; without either it is that of samples. Each project that
-ends writes one line to `sumstat_out.txt`; the first also writes the head. Every title and value is followed by a tab.
-Columns of groups come first, titled `gr_...`; behind them the order is that of this list.
+`POP_LEVEL` and `GROUP_LEVEL` choose the levels that are analysed; without either it is that of samples. Each project
+that ends writes one line to `sumstat_out.txt`; the first also writes the head. Every title and value is followed by a
+tab. Columns of groups come first, titled `gr_...`; behind them the order is that of this list.
 
-Numbers have 8 digits. All lines have the columns of the head: what a project lacks is `-1`, and what it has beyond them
-(more samples, more loci) is left out, with a line in its log. A statistic whose analysis was not among the tasks is `-1`.
-`MEAN` and `SD` go over the samples with a value; the deviation of one value is 0.
+Numbers have 8 digits. All lines have the columns of the head: what a project lacks is `-1`, and what it has beyond
+them (more samples, more loci) is left out, with a line in its log. A statistic whose analysis was not among the tasks
+is `-1`. `MEAN` and `SD` go over the samples with a value; the deviation of one value is 0.
 
 | Keyword | Columns | Meaning |
 | --- | --- | --- |

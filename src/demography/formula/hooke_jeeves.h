@@ -45,9 +45,9 @@ struct SearchOutcome {
 inline constexpr int search_max_steps = 2000;
 inline constexpr double search_eps = 0.001;
 
-/// Fit of the sudden expansion from `start`: coordinates theta1, theta0, tau with steps 10, 0.9 and 1; theta0 and theta1
-/// push each other. A failed move halves the step, a successful one makes it four times as large; a step below eps
-/// becomes 0 for good. theta1 is cut at 99999 at the end. Draws: none.
+/// Fit of the sudden expansion from `start`: coordinates theta1, theta0, tau with steps 10, 0.9 and 1; theta0 and
+/// theta1 push each other. A failed move halves the step, a successful one makes it four times as large; a step below
+/// eps becomes 0 for good. theta1 is cut at 99999 at the end. Draws: none.
 /// Source: Hooke & Jeeves 1961, J. ACM 8: 212-229, one coordinate at a time.
 [[nodiscard]] SearchOutcome hook_jeeves_rh(ExpansionFitter& fitter, ExpansionParameters const& start,
                                            int max_steps = search_max_steps, double eps = search_eps);

@@ -111,7 +111,8 @@ void KpvChain::step() {
 }
 
 LocalSupport KpvChain::support(int individual, int start, int length, int f) const {
-    return support(individual, codes_.data() + row(individual, 0), codes_.data() + row(individual, 1), start, length, f);
+    return support(individual, codes_.data() + row(individual, 0), codes_.data() + row(individual, 1), start, length,
+                   f);
 }
 
 LocalSupport KpvChain::support(int individual, std::int32_t const* g0, std::int32_t const* g1, int start, int length,

@@ -45,9 +45,9 @@ void shuffle_pair(std::span<int> v, int a, bool individuals) noexcept;
 
 /// The sums of one pair, for one arrangement after the other or for a block of them, on the haplotypes that it holds.
 ///
-/// The additions come in the same order on every path; only sums of whole numbers, exact in any order, leave it. A block
-/// is evaluated in one walk over the distances, a lane of a register for each arrangement. Nothing is allocated after
-/// construction.
+/// The additions come in the same order on every path; only sums of whole numbers, exact in any order, leave it. A
+/// block is evaluated in one walk over the distances, a lane of a register for each arrangement. Nothing is allocated
+/// after construction.
 class PairSums {
 public:
     /// @param first, second  haplotype numbers of the two samples.

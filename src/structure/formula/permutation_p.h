@@ -73,13 +73,13 @@ private:
 /// Permutations between two questions whether to stop.
 inline constexpr int poll_every = 100;
 
-/// The test: `source` gives the values of the permutations, `poll()` is asked at permutations 0, 100, 200, ... and stops
-/// the test by true, `keep(value)` receives each value.
+/// The test: `source` gives the values of the permutations, `poll()` is asked at permutations 0, 100, 200, ... and
+/// stops the test by true, `keep(value)` receives each value.
 ///
-/// A source draws a block of permutations first, in their order, and evaluates them together: `block()` is the most that
-/// it takes, `draw()` makes the next one and takes in what its value needs, `evaluate()` closes the block, `value(k)` is
-/// that of its k-th permutation. No block crosses a question: a test that stops there has drawn what a test of single
-/// permutations would have.
+/// A source draws a block of permutations first, in their order, and evaluates them together: `block()` is the most
+/// that it takes, `draw()` makes the next one and takes in what its value needs, `evaluate()` closes the block,
+/// `value(k)` is that of its k-th permutation. No block crosses a question: a test that stops there has drawn what a
+/// test of single permutations would have.
 template <class Real, class Source, class Poll, class Keep>
 PermutationOutcome permutation_p(PermutationPlan const& plan, double observed, PermutationTail tail, int denominator,
                                  Source&& source, Poll&& poll, Keep&& keep) {

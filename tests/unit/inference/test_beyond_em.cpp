@@ -272,7 +272,8 @@ TEST(HaplotypeFrequencyTask, BootstrapDeviationsStandBesideTheFrequencies) {
     std::string const text = s.run();
     EXPECT_TRUE(contains(text, "\nNo. of bootstraps for generating s.d.'s      : 5\n"));
     EXPECT_TRUE(contains(text, "    1              0.426650    0.053025\tAB\n"));
-    EXPECT_TRUE(contains(s.data.process.log(), "\t\tComputing ML haplotype frequencies standard deviations ...\n\t\tdone !"));
+    EXPECT_TRUE(
+        contains(s.data.process.log(), "\t\tComputing ML haplotype frequencies standard deviations ...\n\t\tdone !"));
 }
 
 TEST(HaplotypeFrequencyTask, AllelesAndPairsHangOnTheirOwnKeys) {

@@ -225,7 +225,8 @@ TEST(EmOfASample, AHiddenBlankIsFoundAgain) {
             }
         }
     };
-    for (double width = 0.3; width > 1e-6; width /= 8) search(best_p == 0.0 ? 0.3 : best_p, best_q == 0.0 ? 0.3 : best_q, width);
+    for (double width = 0.3; width > 1e-6; width /= 8)
+        search(best_p == 0.0 ? 0.3 : best_p, best_q == 0.0 ? 0.3 : best_q, width);
     EXPECT_NEAR(s.frequency("A"), best_p, 1e-5);
     EXPECT_NEAR(s.frequency("B"), best_q, 1e-5);
     EXPECT_NEAR(s.frequency("0"), 1 - best_p - best_q, 1e-5);
@@ -307,8 +308,8 @@ TEST(EmOfASample, NoGenotypeOfKnownPartsMakesTheSampleImpossible) {
     std::vector<int> flags = {1, 1, 0};
     previous.insert(s.data.haplotype("AB"), 1.0);
     double F = 0.0;
-    double const lnL = s.sample.calc_ML_hapl_freq_hill95_LD(s.sample.phenotypes, s.sample.pool, s.set, s.solutions, 0, F,
-                                                            &previous, flags.data(), 0, 3, 1000, 1e-7);
+    double const lnL = s.sample.calc_ML_hapl_freq_hill95_LD(s.sample.phenotypes, s.sample.pool, s.set, s.solutions, 0,
+                                                            F, &previous, flags.data(), 0, 3, 1000, 1e-7);
     EXPECT_EQ(lnL, impossible_ln_likelihood);
     EXPECT_EQ(s.sample.phenotypes.phenotype(0).genot_real_count(), 0);
     EXPECT_EQ(s.sample.phenotypes.phenotype(1).genot_real_count(), 1);

@@ -68,7 +68,8 @@ double direct_ln_likelihood(EmData const& data, std::vector<double> const& f, do
     double sum = 0.0;
     for (int i = 0; i < data.phenotypes(); ++i) {
         double proba = 0.0;
-        for (int g = i ? data.end[static_cast<std::size_t>(i) - 1] : 0; g < data.end[static_cast<std::size_t>(i)]; ++g) {
+        for (int g = i ? data.end[static_cast<std::size_t>(i) - 1] : 0; g < data.end[static_cast<std::size_t>(i)];
+             ++g) {
             HaplotypePair const pair = data.pairs[static_cast<std::size_t>(g)];
             double const p = f[static_cast<std::size_t>(pair.first)];
             double const q = f[static_cast<std::size_t>(pair.second)];

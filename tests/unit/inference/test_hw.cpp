@@ -149,7 +149,8 @@ TEST(HardyWeinbergTest, ReportHasARowForEachLocus) {
               "\nForecasted chain length     :10000"
               "\nDememorization steps        :1000\n\n" +
                   std::string(72, '-') +
-                  "\nLocus  #Genot       Obs.Het.     Exp.Het.   P-value     s.d.  Steps done\n" + std::string(72, '-') +
+                  "\nLocus  #Genot       Obs.Het.     Exp.Het.   P-value     s.d.  Steps done\n" +
+                  std::string(72, '-') +
                   "\n    1   This locus is monomorphic: no test done."
                   "\n    2          10  0.30000    0.47895      ?   10100"
                   "\n    3   This locus is monomorphic: no test done.\n" +
@@ -169,7 +170,8 @@ TEST(HardyWeinbergTest, OneIndividualHasOneTable) {
 TEST(HardyWeinbergTest, EmptySamplePrintsTheHeadAlone) {
     HardyWeinbergSample x({});
     std::string const text = x.report();
-    EXPECT_NE(text.find("Steps done\n" + std::string(72, '-') + "\n" + std::string(72, '-') + "\n\n"), std::string::npos);
+    EXPECT_NE(text.find("Steps done\n" + std::string(72, '-') + "\n" + std::string(72, '-') + "\n\n"),
+              std::string::npos);
 }
 
 TEST(HardyWeinbergTest, WithoutTheTestTheRowsAreEmpty) {

@@ -109,8 +109,9 @@ TEST(GenotypicLinkage, IndividualsWithMissingDataAreLeftOut) {
     LinkageSample complete(weakly_linked);
     complete.test();
     double const lnLD = complete.lnLD;
-    LinkageSample x({{"AB", "AB", 4}, {"?B", "ab", 9}, {"AB", "ab", 5}, {"ab", "ab", 3}, {"AB", "Ab", 4}, {"AB", "aB", 4},
-                     {"Ab", "ab", 3}, {"aB", "ab", 3}, {"??", "??", 2}, {"Ab", "Ab", 2}, {"aB", "aB", 2}});
+    LinkageSample x({{"AB", "AB", 4}, {"?B", "ab", 9}, {"AB", "ab", 5}, {"ab", "ab", 3}, {"AB", "Ab", 4},
+                     {"AB", "aB", 4}, {"Ab", "ab", 3}, {"aB", "ab", 3}, {"??", "??", 2}, {"Ab", "Ab", 2},
+                     {"aB", "aB", 2}});
     EXPECT_NEAR(x.test(), 0.3909090909, 5e-11);
     EXPECT_NEAR(x.lnLD, lnLD, 1e-11);
     LinkageSample missing({{"?A", "?B", 4}, {"?A", "?A", 3}});
@@ -124,8 +125,8 @@ TEST(GenotypicLinkage, OneIndividualAlwaysTies) {
     EXPECT_EQ(x.steps, 110);
 }
 
-// A single individual of unknown phase: all permuted samples look like the observed one, but the likelihoods that the EM
-// ends with differ by what is left of its convergence, and equal within 1e-10 is what counts.
+// A single individual of unknown phase: all permuted samples look like the observed one, but the likelihoods that the
+// EM ends with differ by what is left of its convergence, and equal within 1e-10 is what counts.
 TEST(GenotypicLinkage, LikelihoodsOfEqualSamplesTieWhenTheyConvergedEquallyFar) {
     LinkageSample x({{"AB", "ab", 1}});
     EXPECT_NEAR(x.test(), 0.7090909091, 5e-11);
@@ -247,8 +248,9 @@ TEST(GenotypicLinkage, LocusIsFlaggedOnlyWhenLinkedToAllOthers) {
     // The first two loci are linked to each other alone: one of two others is not enough.
     LinkageSample half({{"ABx", "ABy", 6}, {"abx", "aby", 7}, {"ABx", "ABx", 2}, {"ABy", "ABy", 2}, {"abx", "abx", 3},
                         {"aby", "aby", 3}});
-    ASSERT_EQ(half.sample.calc_all_pairwise_LDs(half.sample.phenotypes, half.set, selected, 0.05, 0.0, 1000, 100, 2, 1e-7),
-              1);
+    ASSERT_EQ(
+        half.sample.calc_all_pairwise_LDs(half.sample.phenotypes, half.set, selected, 0.05, 0.0, 1000, 100, 2, 1e-7),
+        1);
     EXPECT_EQ(half.test(), 0.0);
     EXPECT_GT(half.test(100, 0, 2), 0.05);
     EXPECT_EQ(std::vector<int>(selected, selected + 3), (std::vector<int>{0, 0, 0}));

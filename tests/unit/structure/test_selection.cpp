@@ -209,8 +209,8 @@ struct PairTimes {
 };
 
 PairTimes expected_times(double fst, double fct, int s, int g) {
-    // Places of a pair: in one deme, the first (0) or another (1); in two demes of a group, one of them the first (2) or
-    // none (3); in two groups, both in first demes (4), one (5) or none (6).
+    // Places of a pair: in one deme, the first (0) or another (1); in two demes of a group, one of them the first (2)
+    // or none (3); in two groups, both in first demes (4), one (5) or none (6).
     constexpr int places = 7;
     MigrationRates const rates = two_level_island_rates(fst, fct, s, g);
     double const within = rates.within * deme_size, between = rates.between * deme_size;

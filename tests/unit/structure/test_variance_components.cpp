@@ -342,8 +342,9 @@ void check_pairs_drawn(StructureData const& data, bool individuals, bool ahead,
             corrected += r.corrected >= s.corrected;
             return -s.c / s.n * r.W + 1.0 / s.n * r.ssd_among;
         });
-        auto const outcome = permutation_p<double>(plan, s.Va, PermutationTail::above, plan.permutations + 1, permutations,
-                                                   [] { return false; }, [](double) {});
+        auto const outcome = permutation_p<double>(
+            plan, s.Va, PermutationTail::above, plan.permutations + 1, permutations, [] { return false; },
+            [](double) {});
         EXPECT_EQ(outcome.beyond + outcome.equal, e.count);
         EXPECT_NEAR(outcome.p, e.p, 1e-10);
         EXPECT_NEAR(outcome.sd, e.sd, ten_digits);
