@@ -124,12 +124,14 @@ namespace {
 /// Head and rows of the tables of one pair.
 class PairTable {
 public:
-    PairTable(std::ostream& out, LdTableLabels const& labels)
+    PairTable(std::ostream& out, LdTableLabels const& labels, LdCoefficients const& x)
         : out_(out),
           labels_(labels),
           corner_("Locus " + std::to_string(labels.first_locus) + " \\Locus " + std::to_string(labels.second_locus)),
           label_width_(std::max(widest(labels.first_alleles), static_cast<int>(corner_.size()))),
-          column_width_(std::max(cell_width, widest(labels.second_alleles) + 1)) {}
+          column_width_(fitting_width(fitting_width(std::max(cell_width, widest(labels.second_alleles) + 1), x.expected,
+                                                    decimals),
+                                      x.chi2, decimals)) {}
 
     template <class Cell>
     void print(char const* title, Cell&& cell) {
@@ -160,7 +162,7 @@ private:
 
 void print_ld_tables(std::ostream& out, LdTableLabels const& labels, ContingencyTable const& counts,
                      LdCoefficients const& x) {
-    PairTable table(out, labels);
+    PairTable table(out, labels, x);
     table.print("\n  1: Observed contingency table\n",
                 [&](std::size_t i, int width) { out << integer{counts.cells[i], width}; });
     out << "  Total number of gametes : " << counts.total() << '\n';

@@ -56,7 +56,7 @@ std::vector<long long> copies_by_class(Population const& population, Positions c
 void Samples::print_out_haplo_cl(std::ostream* os, DistMat const& /*matrix*/, Haplo_DB* db, int const* classes) const {
     if (!os || !db || !classes) return;
     constexpr int class_width = 6;
-    constexpr int count_width = 10;
+    constexpr int least_count_width = 10;
     *os << "\n\nHaplotype frequency distribution among the samples:\n"
         << "===================================================\n\n";
     auto const n = static_cast<std::size_t>(db->size());
@@ -76,15 +76,18 @@ void Samples::print_out_haplo_cl(std::ostream* os, DistMat const& /*matrix*/, Ha
     int ids_width = 12;
     for (std::string const& ids : members) ids_width = std::max(ids_width, shown_length(ids) + 1);
     *os << left_label{"Class", class_width} << left_label{"Haplotypes", ids_width};
+    std::vector<int> widths;
     for (Population const* const p : populations.view()) {
-        *os << user_text{p->pop_name().str().substr(0, count_width - 1), count_width, false};
+        std::string const name = p->pop_name().str();
+        widths.push_back(std::max(least_count_width, shown_length(name) + 2));
+        *os << user_text{name, widths.back(), false};
     }
     *os << '\n';
     int number = 0;
     for (std::size_t c = 0; c < n; ++c) {
         if (members[c].empty()) continue;
         *os << left_label{std::to_string(++number), class_width} << user_text{members[c], ids_width};
-        for (auto const& sample : counts) *os << integer{sample[c], count_width};
+        for (std::size_t s = 0; s < counts.size(); ++s) *os << integer{counts[s][c], widths[s]};
         *os << '\n';
     }
 }

@@ -48,6 +48,8 @@ private:
 
 /// `value` in fixed notation, the point always shown: "0.12500", "3.", "inf", "nan".
 ///
+/// What rounds to zero has no sign: a sum that ends a rounding error below zero would show "-0.00000".
+///
 /// @param precision  digits behind the point, 0 to 60; values outside are taken as the nearest limit.
 [[nodiscard]] inline std::string number_text(double value, int precision) {
     if (std::isnan(value)) return "nan";
@@ -56,6 +58,7 @@ private:
     char digits[400];  // 309 digits before the point, 60 behind it, sign and point
     auto const end = std::to_chars(digits, digits + sizeof digits - 1, value, std::chars_format::fixed, precision);
     std::string text(digits, end.ptr);
+    if (text.front() == '-' && text.find_first_not_of("-0.") == std::string::npos) text.erase(0, 1);
     if (precision == 0) text += '.';
     return text;
 }

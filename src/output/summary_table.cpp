@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <fstream>
+#include <numeric>
 #include <ostream>
 
 #include "input/settings.h"
@@ -102,15 +103,39 @@ void write_side_file(settings const& set, SummaryTable const& table, std::vector
     }
 }
 
+/// Columns of each sample, of mean and deviation, and of the totals where the table has them.
+std::vector<int> column_widths(SummaryTable const& table, std::vector<SummaryRow> const& rows,
+                               std::span<std::string const> names) {
+    bool const totals = !table.total_head.empty();
+    std::vector<int> widths;
+    for (std::string const& name : names) {
+        widths.push_back(std::max(least_width, shown_length(name) + 2));
+    }
+    widths.resize(names.size() + (totals ? 3 : 2), least_width);
+    for (SummaryRow const& row : rows) {
+        if (row.values.empty()) {
+            continue;
+        }
+        std::vector<std::string> const cells = cells_of(row, totals);
+        for (std::size_t c = 0; c < cells.size() && c < widths.size(); ++c) {
+            widths[c] = fitting_width(widths[c], cells[c].size());
+        }
+    }
+    return widths;
+}
+
 void print_rows(std::ostream& out, SummaryTable const& table, std::vector<SummaryRow> const& rows,
                 std::span<std::string const> names, std::vector<int> const& widths) {
     out << left_label{table.row_head, label_width};
-    for (std::size_t s = 0; s < names.size(); ++s) {
-        out << user_text{names[s], widths[s], false};
+    std::size_t column = 0;
+    for (std::string const& name : names) {
+        out << user_text{name, widths[column++], false};
     }
-    out << label{"Mean", least_width} << label{"s.d.", least_width};
+    for (std::string_view const head : {std::string_view("Mean"), std::string_view("s.d.")}) {
+        out << label{head, widths[column++]};
+    }
     if (!table.total_head.empty()) {
-        out << label{table.total_head, least_width};
+        out << label{table.total_head, widths[column]};
     }
     out << '\n';
     for (SummaryRow const& row : rows) {
@@ -121,7 +146,7 @@ void print_rows(std::ostream& out, SummaryTable const& table, std::vector<Summar
         out << left_label{row.label, label_width};
         std::vector<std::string> const cells = cells_of(row, !table.total_head.empty());
         for (std::size_t c = 0; c < cells.size(); ++c) {
-            out << label{cells[c], c < widths.size() ? widths[c] : least_width};
+            out << label{cells[c], widths[c]};
         }
         out << '\n';
     }
@@ -138,16 +163,12 @@ void print_summary_table(std::ostream& out, settings const& set, SummaryTable co
     if (table.rows.empty()) {
         return;
     }
-    std::vector<int> widths;
-    int width = label_width + 2 * least_width + (table.total_head.empty() ? 0 : least_width);
-    for (std::string const& name : names) {
-        widths.push_back(std::max(least_width, shown_length(name) + 2));
-        width += widths.back();
-    }
+    std::vector<SummaryRow> const rows = all_rows(table);
+    std::vector<int> const widths = column_widths(table, rows, names);
+    int const width = std::accumulate(widths.begin(), widths.end(), label_width);
     out << THeader{table.title} << '\n';
     print_js_doc_entry(set, 2, (groups ? "_gr_sum_" : "_samp_sum_") + table.anchor, table.title);
     out << rule{width} << table.head << '\n';
-    std::vector<SummaryRow> const rows = all_rows(table);
     if (table.side_file.empty()) {
         print_rows(out, table, rows, names, widths);
     } else {

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cmath>
 #include <ostream>
+#include <utility>
 
 namespace tov {
 
@@ -16,6 +17,17 @@ constexpr double estimate_limit = 3.4e38;
 
 bool exists(double value) noexcept {
     return value != -1.0 && std::fabs(value) < estimate_limit;  // false for NaN too
+}
+
+/// Smallest and largest of the finite values and 0.
+std::pair<double, double> finite_range(std::span<double const> values) noexcept {
+    double smallest = 0.0, largest = 0.0;
+    for (double const value : values) {
+        if (!std::isfinite(value)) continue;
+        smallest = std::min(smallest, value);
+        largest = std::max(largest, value);
+    }
+    return {smallest, largest};
 }
 
 /// Columns that row i of an n x n matrix shows.
@@ -76,7 +88,19 @@ void locus_list(std::ostream& out, std::span<int const> loci) {
 
 // --- Matrices with labels ---
 
-void text_matrix(std::ostream& out, std::span<std::string const> labels, MatrixForm const& form, CellText const& cell) {
+int fitting_width(int least, std::size_t longest) noexcept { return std::max(least, static_cast<int>(longest) + 1); }
+
+int fitting_width(int least, std::span<double const> values, int precision) {
+    auto const [smallest, largest] = finite_range(values);
+    return fitting_width(least,
+                         std::max(number_text(smallest, precision).size(), number_text(largest, precision).size()));
+}
+
+namespace {
+
+/// Prints the cells as wide as the form tells.
+void print_matrix(std::ostream& out, std::span<std::string const> labels, MatrixForm const& form,
+                  CellText const& cell) {
     int const n = static_cast<int>(labels.size());
     if (form.label_line) {
         out << label{form.corner, form.label_width};
@@ -93,9 +117,37 @@ void text_matrix(std::ostream& out, std::span<std::string const> labels, MatrixF
     }
 }
 
+/// Calls `visit` for each cell that is shown.
+template <class Visit>
+void for_shown_cells(Cells cells, int n, Visit&& visit) {
+    for (int i = 0; i < n; ++i)
+        for (int j = 0; j < shown_cells(cells, i, n); ++j) visit(i, j);
+}
+
+}  // namespace
+
+void text_matrix(std::ostream& out, std::span<std::string const> labels, MatrixForm const& form, CellText const& cell) {
+    std::size_t longest = 0;
+    for_shown_cells(form.cells, static_cast<int>(labels.size()),
+                    [&](int i, int j) { longest = std::max(longest, cell(i, j).size()); });
+    MatrixForm fitted = form;
+    fitted.cell_width = fitting_width(form.cell_width, longest);
+    print_matrix(out, labels, fitted, cell);
+}
+
 void number_matrix(std::ostream& out, std::span<std::string const> labels, MatrixForm const& form,
                    CellValue const& cell, int precision) {
-    text_matrix(out, labels, form, [&](int i, int j) { return number_text(cell(i, j), precision); });
+    // In fixed notation the longest number is the largest or the smallest one.
+    double extremes[] = {0.0, 0.0};
+    for_shown_cells(form.cells, static_cast<int>(labels.size()), [&](int i, int j) {
+        double const value = cell(i, j);
+        if (!std::isfinite(value)) return;
+        extremes[0] = std::min(extremes[0], value);
+        extremes[1] = std::max(extremes[1], value);
+    });
+    MatrixForm fitted = form;
+    fitted.cell_width = fitting_width(form.cell_width, extremes, precision);
+    print_matrix(out, labels, fitted, [&](int i, int j) { return number_text(cell(i, j), precision); });
 }
 
 void lower_triangle(std::ostream& out, int n, CellValue const& cell) { number_matrix(out, number_labels(n), {}, cell); }

@@ -1,6 +1,7 @@
 // Headings, tables and matrices of the result document: the forms that all analyses print.
 #pragma once
 
+#include <cstddef>
 #include <functional>
 #include <initializer_list>
 #include <iosfwd>
@@ -48,6 +49,13 @@ void label_list(std::ostream& out, std::span<std::string const> names, LabelList
 /// @param loci  indices from 0; printed from 1.
 void locus_list(std::ostream& out, std::span<int const> loci);
 
+// --- Widths ---
+
+/// Columns of a cell: `least`, or as many as keep a text of `longest` characters apart from its neighbour.
+[[nodiscard]] int fitting_width(int least, std::size_t longest) noexcept;
+/// The same for numbers in fixed notation with `precision` digits.
+[[nodiscard]] int fitting_width(int least, std::span<double const> values, int precision);
+
 // --- Matrices with labels ---
 
 /// Cells of a square matrix that are printed.
@@ -61,7 +69,7 @@ enum class Cells {
 struct MatrixForm {
     Cells cells = Cells::lower_triangle;
     int label_width = 10;            ///< row labels, right aligned
-    int cell_width = 10;             ///< columns, right aligned
+    int cell_width = 10;             ///< columns, right aligned; wider when a cell would touch its neighbour
     std::string_view corner{};       ///< in place of a row label in the line of column labels
     std::string_view bar{};          ///< behind the label of a row
     bool label_line = true;          ///< the line of column labels is printed

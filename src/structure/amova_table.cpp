@@ -68,6 +68,15 @@ bool shown(amova_results const& record) { return record.variance[4] > 1e-17; }
 
 constexpr int locus_width = 7;
 constexpr int p_width = 10;
+constexpr int least_width = 12;
+constexpr int digits = 5;
+constexpr int relative_digits = 3;
+
+double share_of_variance(amova_results const& record, int component) {
+    return 100.0 * record.variance[component] / record.variance[4];
+}
+
+double relative_to(double index, double value) { return 100.0 * (value - index) / index; }
 
 }  // namespace
 
@@ -89,6 +98,29 @@ char const* index_name(AmovaIndexSlot slot) {
     return names[slot];
 }
 
+int AMOVA_table::width() const {
+    AmovaCase const* const c = amova_case(first_case());
+    std::vector<double> numbers;
+    for (auto const& record : records_) {
+        for (int k = 0; c != nullptr && shown(*record) && k < levels(*c); ++k) {
+            numbers.insert(numbers.end(), {record->ssd[k], record->variance[k], share_of_variance(*record, k)});
+        }
+    }
+    return fitting_width(least_width, numbers, digits);
+}
+
+int AMOVA_table::population_width(int least, bool fis) const {
+    std::vector<double> absolute, relative;
+    for (auto const& record : records_) {
+        double const index = record->index[fis ? slot_FIS : slot_FST];
+        for (double const value : fis ? record->fis_per_pop : record->fst_per_pop) {
+            absolute.push_back(value);
+            relative.push_back(index == 0.0 ? 0.0 : relative_to(index, value));
+        }
+    }
+    return fitting_width(fitting_width(least, absolute, digits), relative, relative_digits);
+}
+
 void AMOVA_table::print_table_header(std::ostream& out) const {
     if (empty()) {
         return;
@@ -98,6 +130,7 @@ void AMOVA_table::print_table_header(std::ostream& out) const {
         out << "Invalid AMOVA case\n";
         return;
     }
+    int const width = this->width();
     int const block = 3 * width + locus_width;
     out << label{"", locus_width};
     for (char const* const name : c->blocks) {
@@ -119,18 +152,18 @@ void AMOVA_table::print_table(std::ostream& out) const {
     if (c == nullptr) {
         return;
     }
+    int const width = this->width();
     for (auto const& record : records_) {
         if (!shown(*record)) {
             continue;
         }
         out << integer{record->locus + 1, locus_width};
         for (int k = 0; k < levels(*c); ++k) {
-            out << num{record->ssd[k], width, 5} << integer{record->df[k], locus_width}
-                << num{record->variance[k], width, 5}
-                << num{100.0 * record->variance[k] / record->variance[4], width, 5};
+            out << num{record->ssd[k], width, digits} << integer{record->df[k], locus_width}
+                << num{record->variance[k], width, digits} << num{share_of_variance(*record, k), width, digits};
         }
         for (AmovaIndexSlot const slot : c->columns) {
-            out << num{record->index[slot], width, 5} << num{record->p_value[slot], p_width, 5};
+            out << num{record->index[slot], width, digits} << num{record->p_value[slot], p_width, digits};
         }
         out << "\n";
     }
@@ -145,9 +178,9 @@ void print_row_of_populations(std::ostream& out, int locus, double index, std::v
         if (fis && !(value > -9.99999)) {
             out << label{"N.A.", column};
         } else if (relative) {
-            out << num{100.0 * (value - index) / index, column, 3};
+            out << num{relative_to(index, value), column, relative_digits};
         } else {
-            out << num{value, column, 5};
+            out << num{value, column, digits};
         }
     }
     out << "\n";

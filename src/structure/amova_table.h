@@ -33,14 +33,16 @@ struct AmovaCase {
 
 class AMOVA_table {
 public:
-    static constexpr int width = 12;  ///< of sums of squares, variances, percentages and indices
-
     void add(std::unique_ptr<amova_results> record) { records_.push_back(std::move(record)); }
     [[nodiscard]] std::vector<std::unique_ptr<amova_results>> const& records() const noexcept { return records_; }
     [[nodiscard]] bool empty() const noexcept { return records_.empty(); }
     /// Case of the first record, 0 without one.
     [[nodiscard]] int first_case() const noexcept { return records_.empty() ? 0 : records_.front()->case_number; }
 
+    /// Columns of sums of squares, variances, percentages and indices: 12, or as many as the numbers need.
+    [[nodiscard]] int width() const;
+    /// Columns of a value of a single population: `least`, or as many as the numbers of both tables need.
+    [[nodiscard]] int population_width(int least, bool fis) const;
     void print_table_header(std::ostream& out) const;
     /// One row a locus with a total variance above 1e-17.
     void print_table(std::ostream& out) const;

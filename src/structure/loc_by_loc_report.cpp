@@ -44,6 +44,7 @@ void print_population_tables(ProjectView const& view, AMOVA_table const& table, 
     for (Population const* const population : view.structure->group(0).populations) {
         column = std::max(column, shown_length(population->pop_name().c_str()) + 2);
     }
+    column = table.population_width(column, index == "FIS");
     int const line = column * static_cast<int>(populations.size()) + 21;
     auto const one = [&](std::string const& title, bool relative) {
         out << title << rule{line} << "\n" << label{"Locus", 7} << label{"Average " + index, 14};

@@ -451,6 +451,20 @@ TEST_F(SamplesOf, HaplotypesAtDistanceZeroMergeWithinTheirClass) {
               "\n\tSamples::print_out_haplo_cl():the number of class separator is not right.\n");
 }
 
+TEST_F(SamplesOf, ClassesStandUnderTheWholeNamesOfTheSamples) {
+    add_haplotype(add_sample("Northern lake"), list, "a", "AC", 3);
+    add_haplotype(add_sample("Northern bay"), list, "b", "AG", 2);
+    DistMat const matrix(2);
+    std::ostringstream os;
+    int const classes[] = {0, 1};
+    samples.print_out_haplo_cl(&os, matrix, &list, classes);
+    EXPECT_NE(os.str().find("Class Haplotypes    Northern lake  Northern bay\n"
+                            "1     a                         3             0\n"
+                            "2     b                         0             2\n"),
+              std::string::npos)
+        << os.str();
+}
+
 TEST_F(SamplesOf, SharedHaplotypesAreListed) {
     Population& one = add_sample("one");
     add_haplotype(one, list, "a", "AC", 3);

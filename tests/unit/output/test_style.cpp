@@ -63,13 +63,21 @@ TEST(Num, IgnoresAWidthAndAFillLeftOnTheStream) {
 
 TEST(Num, AgreesWithAStreamInFixedFormat) {
     for (double const value :
-         {0.0, -0.0, 0.5, 1.5, 2.5, 0.125, 1e-9, 123456.789, -3.4028234663852886e+38, 1e22, 9.9999995}) {
+         {0.0, 0.5, 1.5, 2.5, 0.125, 1e-9, 123456.789, -3.4028234663852886e+38, 1e22, 9.9999995}) {
         for (int const precision : {0, 1, 3, 5, 8}) {
             std::ostringstream out;
             out << std::fixed << std::showpoint << std::setprecision(precision) << value;
             EXPECT_EQ(number_text(value, precision), out.str()) << value << " at " << precision;
         }
     }
+}
+
+TEST(Num, ZeroHasNoSign) {
+    EXPECT_EQ(number_text(-0.0, 5), "0.00000");
+    EXPECT_EQ(number_text(-4e-6, 5), "0.00000");
+    EXPECT_EQ(number_text(-6e-6, 5), "-0.00001");
+    EXPECT_EQ(number_text(-0.4, 0), "0.");
+    EXPECT_EQ(printed(num{-1e-17, 8, 3}), "   0.000");
 }
 
 TEST(Num, PrintsWhatIsNoFiniteNumber) {

@@ -75,6 +75,31 @@ TEST_F(Table, LowerTriangleOfTextsPadsItsCells) {
               "         2 0.5+-0.1        *\n");
 }
 
+TEST_F(Table, CellsThatWouldTouchWidenTheirMatrix) {
+    lower_triangle(out, 2, [](int i, int j) { return i == j ? -1234.5 : 0.25; });
+    EXPECT_EQ(out.str(),
+              "                     1           2\n"
+              "         1 -1234.50000\n"
+              "         2     0.25000 -1234.50000\n");
+    out.str("");
+    lower_triangle(
+        out, 2, [](int i, int j) { return std::string(i == j ? "*" : "12345"); }, 5);
+    EXPECT_EQ(out.str(),
+              "               1     2\n"
+              "         1     *\n"
+              "         2 12345     *\n");
+}
+
+TEST(FittingWidth, KeepsABlankInFrontOfTheLongestNumber) {
+    double const infinity = std::numeric_limits<double>::infinity();
+    std::array<double, 4> const values{-12.5, 3.0, infinity, std::numeric_limits<double>::quiet_NaN()};
+    EXPECT_EQ(fitting_width(4, values, 1), 6);
+    EXPECT_EQ(fitting_width(10, values, 1), 10);
+    EXPECT_EQ(fitting_width(3, std::span<double const>{}, 1), 4);
+    EXPECT_EQ(fitting_width(10, std::size_t{9}), 10);
+    EXPECT_EQ(fitting_width(10, std::size_t{10}), 11);
+}
+
 TEST_F(Table, MatrixCanLeaveOutTheDiagonalOrShowAll) {
     std::array<std::string, 2> const labels{"a", "b<"};
     auto const cell = [](int i, int j) { return std::to_string(10 * i + j); };
