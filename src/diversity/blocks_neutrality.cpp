@@ -242,6 +242,8 @@ void tajima_block(SampleRun& run) {
     int const S = pop.segregating_sites();
     pop.theta_S(n, S);
     pop.tajimaD(n, pop.pi(), S);
+    pop.tajima_S_ = S;
+    pop.tajima_pi_ = pop.pi();
     print_tajima_sample(run.out, {n, S, pop.pi(), pop.tajimaD()});
     TabRow row = batch_row(ofs_tajima, settings::input_file, run.name());
     row << n << S << pop.thetaS() << pop.pi() << pop.tajimaD() << pop.pTajimaD();

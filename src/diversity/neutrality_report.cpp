@@ -7,6 +7,7 @@
 #include "base/arrays.h"
 #include "diversity/popgen.h"
 #include "output/style.h"
+#include "output/table.h"
 #include "output/xml.h"
 
 namespace tov {
@@ -58,7 +59,7 @@ void print_fu_sample(std::ostream& out, FuReport const& r) {
     }
     out << "\nTheta(Pi)                    :" << real(r.theta_pi)
         << "\nExp. No. of alleles          :" << real(r.expected_alleles)
-        << "\nFs                           :" << real(r.Fs) << '\n';
+        << "\nFs                           :" << label{value_or_na(r.Fs, DIGITS), WIDTH} << '\n';
 }
 
 void print_fu_simulation(std::ostream& out, FuSimulationReport const& r) {

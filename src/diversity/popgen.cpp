@@ -51,6 +51,8 @@ void PopGenetics::initialize() {
                                     &theta_k_,
                                     &theta_k_inf_,
                                     &theta_k_sup_,
+                                    &tajima_S_,
+                                    &tajima_pi_,
                                     &tajima_D_,
                                     &p_tajima_D_,
                                     &fus_FS_,

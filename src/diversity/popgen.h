@@ -331,6 +331,8 @@ public:
     double theta_k_sup_ = -1.0;
 
     // Neutrality
+    double tajima_S_ = -1.0;   ///< sites with substitutions that D compares; -1 without a test
+    double tajima_pi_ = -1.0;  ///< pairwise differences that D compares: without gaps, by number
     double tajima_D_ = -1.0;
     double p_tajima_D_ = -1.0;
     double fus_FS_ = -1.0;

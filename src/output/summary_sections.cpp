@@ -289,13 +289,16 @@ private:
         add(ewens, row("Expected F value", [](PopGenetics const& p) { return p.exp_F_; }));
         add(ewens, row("Watterson F p-value", [](PopGenetics const& p) { return p.p_homoz_test_; }));
         add(chakraborty, SummaryRow{"Chakraborty's test", {}});
-        add(chakraborty, row("Obs. homozygosity", [](PopGenetics const& p) { return p.sample_homozygosity_; }));
+        // Other analyses leave a homozygosity too, also of samples that this test refuses.
+        add(chakraborty, row("Obs. homozygosity", [](PopGenetics const& p) {
+                return p.exp_num_alleles_ == -1.0 ? -1.0 : p.sample_homozygosity_;
+            }));
         add(chakraborty, row("Exp. no. of alleles", [](PopGenetics const& p) { return p.exp_num_alleles_; }));
         add(chakraborty, row("P(k or more alleles)", [](PopGenetics const& p) { return p.p_chakrab_test_; }));
         add(tajima, SummaryRow{"Tajima's test", {}});
         add(tajima, count("Sample size", [](PopGenetics const& p) { return p.nb_genes(); }));
-        add(tajima, count("S", [](PopGenetics const& p) { return p.segregating_sites(); }));
-        add(tajima, row("Pi", [](PopGenetics const& p) { return p.pi_; }));
+        add(tajima, count("S", [](PopGenetics const& p) { return p.tajima_S_; }));
+        add(tajima, row("Pi", [](PopGenetics const& p) { return p.tajima_pi_; }));
         add(tajima, row("Tajima's D", [](PopGenetics const& p) { return p.tajima_D_; }));
         add(tajima, row("Tajima's D p-value", [](PopGenetics const& p) { return p.p_tajima_D_; }));
         add(fu, SummaryRow{"Fu's Fs test", {}});

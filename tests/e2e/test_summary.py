@@ -2,7 +2,7 @@
 import re
 import unittest
 
-from three_projects import ThreeProjects
+from three_projects import Report, ThreeProjects
 
 
 class SummaryOfSamples(ThreeProjects):
@@ -27,6 +27,38 @@ class SummaryOfSamples(ThreeProjects):
                          ["Ewens-Watterson test", "Chakraborty's test", "Tajima's test", "Fu's Fs test"])
         row = next(line for line in self.sections("mic")["Neutrality tests"].splitlines() if line.startswith("FS  "))
         self.assertEqual(row.split()[1:], ["-1.00000"] * 5)
+
+    def rows(self, project):
+        """Values of the rows of the neutrality tests, by test and label."""
+        rows, test = {}, None
+        for line in self.sections(project)["Neutrality tests"].splitlines():
+            label, *values = re.split(r"  +", line.strip())
+            test = line if line.endswith(" test") else test
+            rows[test, label] = [float(value) for value in values if re.match(r"-?\d", value)][:3]
+        return rows
+
+    def test_tajimas_rows_are_what_the_test_compared(self):
+        self.run_three(DistanceMethod=2, ComputeTheta=15)
+        report = Report(self.document("dna"))
+        rows = self.rows("dna")
+        for label, printed in (("S", "No. of sites with substitutions (S)   :"),
+                               ("Pi", "Mean No. of pairwise differences (Pi) :"),
+                               ("Tajima's D", "Tajima's D                            :")):
+            expected = [float(sample.block("Tajima's test").numbers(printed)[0])
+                        for sample in report.samples().values()]
+            self.assertEqual(rows["Tajima's test", label], expected, label)
+        label = "Mean number of pairwise differences          :"
+        corrected = [float(sample.block("Molecular diversity").numbers(label)[0])
+                     for sample in report.samples().values()]
+        self.assertTrue(all(x > y for x, y in zip(corrected, rows["Tajima's test", "Pi"])))
+
+    def test_refused_tests_have_no_values(self):
+        self.run_three(ComputeTheta=15)
+        for project in ("mic", "gen"):
+            for label in ("S", "Pi", "Tajima's D", "Tajima's D p-value"):
+                self.assertEqual(self.rows(project)["Tajima's test", label], [-1] * 3, label)
+        for label in ("Obs. homozygosity", "Exp. no. of alleles", "P(k or more alleles)"):
+            self.assertEqual(self.rows("gen")["Chakraborty's test", label], [-1] * 3, label)
 
     def test_expansions_have_their_headings_and_all_rows(self):
         self.run_three(MismatchDemogExp=1, MismatchSpatialExp=1, MismatchSpatialExpNumParams=3, NumBootExpDem=0)

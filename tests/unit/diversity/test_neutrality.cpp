@@ -288,6 +288,18 @@ TEST(TajimaBlock, RestoresPiOfTheMolecularBlockOnly) {
     EXPECT_LT(alone.pop.pi(), pi);  // uncorrected
 }
 
+TEST(TajimaBlock, KeepsWhatItComparedForTheSummary) {
+    SampleUnderTest<PopulDNA> s(dna_entries);
+    s.set.NumSimulFuTest = 10;
+    s.set.DistanceMethod = 1;
+    EXPECT_EQ(s.pop.tajima_pi_, -1.0);
+    EXPECT_EQ(s.pop.tajima_S_, -1.0);
+    s.run(task::molecular_diversity | task::tajima);
+    TajimaD const d = tajima_d(tajima_terms(12, SquaredTerms::inverse_of_square), s.pop.tajima_pi_, s.pop.tajima_S_);
+    EXPECT_EQ(s.pop.tajimaD(), d.D);
+    EXPECT_LT(s.pop.tajima_pi_, s.pop.pi());  // uncorrected
+}
+
 TEST(TajimaBlock, RefusesAlleles) {
     SampleUnderTest<PopulMicrosat> microsat({{"12", 5}});
     microsat.run(task::tajima);
@@ -295,6 +307,14 @@ TEST(TajimaBlock, RefusesAlleles) {
     SampleUnderTest<PopulStandard> standard({{"A", 5}});
     standard.run(task::tajima);
     EXPECT_TRUE(standard.prints("Tajima's test is not possible for standard data type"));
+}
+
+TEST(FuBlock, InfiniteFsIsNotAvailable) {
+    SampleUnderTest<PopulDNA> s({{"ACGT", 5}, {"ACGT", 3}});
+    s.set.NumSimulFuTest = 0;
+    s.run(task::fu_fs);
+    EXPECT_EQ(s.pop.fusFS(), 3.4028234663852886e+38);
+    EXPECT_TRUE(s.prints("\nFs                           :        N.A.\n")) << s.document();
 }
 
 TEST(TajimaBlock, RefusesUnknownPhase) {
