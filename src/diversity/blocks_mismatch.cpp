@@ -18,8 +18,9 @@ namespace {
 constexpr int heading_length = 26;
 constexpr double least_variance = 1e-7;
 
-/// Name of the distance; a number without a name counts differences.
+/// Name of the distance; a number without a name counts differences. Of allele sizes any number but 0 squares them.
 std::string_view distance_name(TDataType type, int method) {
+    if (type == MICROSAT) return distance_method_name(type, method == 0 ? 0 : 1);
     bool const named = (type == DNA && method >= 0 && method <= 6) || (type == RFLP && method >= 0 && method <= 1);
     return named ? distance_method_name(type, method) : std::string_view("Pairwise difference");
 }
@@ -72,12 +73,34 @@ void write_table_rows(SampleRun const& run) {
     }
 }
 
+void print_moments(SampleRun const& run) {
+    run.out << "Mismatch observed mean              : " << num{run.pop.mismatch_mean_, 10, 3}
+            << "\nMismatch observed variance          : " << num{run.pop.mismatch_variance_, 10, 3};
+}
+
+/// The distribution by itself, of data without a model of expansion. Squared sizes leave most classes empty.
+void print_distribution(SampleRun const& run) {
+    constexpr int length = 27;
+    constexpr int width = 13;
+    PopGenetics const& pop = run.pop;
+    print_moments(run);
+    if (pop.mismatch_.empty()) {
+        run.out << "\n\nNo pair of gene copies with a difference was counted\n";
+        return;
+    }
+    run.out << "\n\n" << rule{length} << "\n        #Diff     Observed\n" << rule{length} << "\n";
+    for (int c = 0; c <= pop.max_mismatch() && c < static_cast<int>(pop.mismatch_.size()); ++c) {
+        auto const pairs = static_cast<double>(pop.mismatch_[static_cast<std::size_t>(c)]);
+        if (pairs > 0.0) run.out << num{static_cast<double>(c), width, 1} << num{pairs, width, 1} << "\n";
+    }
+    run.out << rule{length} << "\nClasses without pairs of gene copies are left out\n";
+}
+
 /// Heading, moments, and the estimate when there is any variance.
 void estimate(SampleRun& run, std::string_view title, void (PopGenetics::*method)(settings*, std::ostream&)) {
     PopGenetics& pop = run.pop;
-    run.out << "\n\n" << rule{54, '*'} << "\n" << title << "\n" << rule{54, '*'}
-            << "\n\nMismatch observed mean              : " << num{pop.mismatch_mean_, 10, 3}
-            << "\nMismatch observed variance          : " << num{pop.mismatch_variance_, 10, 3};
+    run.out << "\n\n" << rule{54, '*'} << "\n" << title << "\n" << rule{54, '*'} << "\n\n";
+    print_moments(run);
     if (pop.mismatch_variance_ > least_variance) {
         (pop.*method)(&run.set, run.out);
     } else {
@@ -116,6 +139,9 @@ void mismatch_block(SampleRun& run) {
     run.pop.compute_mm_distr(run.out, run.set);
     print_distance(run);
     bool const estimates = run.words.type == DNA || run.words.type == RFLP;
+    if (!estimates) {
+        print_distribution(run);
+    }
     if (estimates && run.set.MismatchDemogExp) {
         estimate(run, "Parameters estimated under the sudden expansion model:", &PopGenetics::est_demog_mis);
     }

@@ -175,6 +175,9 @@ private:
     /// A flat model needs differentiation; otherwise the document says so.
     [[nodiscard]] bool can_simulate() const {
         if (r_.several_groups || r_.targets.FST > 0.0) return true;
+        if (r_.loci.empty()) view_.set.ofs() << "\nThe data have no loci to be tested";
+        if (view_.samples->GenotypicData != 0 && view_.samples->RecessiveData != 0)
+            view_.set.ofs() << "\nThere are no F-statistics of recessive data";
         view_.set.ofs() << "\nMean FST is not positive: no simulations\n";
         return false;
     }

@@ -4,6 +4,7 @@ import random
 import re
 import unittest
 
+import every_task
 from support import RunTestCase, read, settings_text, write
 
 
@@ -239,6 +240,12 @@ class Selection(RunTestCase):
         self.assertIn("Mean FST is not positive: no simulations", document)
         self.assertFalse(self.exists("p.res", "fdist2_ObsOut.txt"))
         self.assert_well_formed("p.res", "p.xml")
+
+    def test_data_without_f_statistics_say_so(self):
+        for kind, reason in (("frequency", "The data have no loci to be tested"),
+                             ("recessive", "There are no F-statistics of recessive data")):
+            document = self.detect(every_task.projects()[kind], kind)
+            self.assertIn("\n%s\nMean FST is not positive: no simulations\n" % reason, document)
 
     def test_one_sample_is_refused(self):
         document = self.detect(project(samples=1, groups=1))

@@ -335,6 +335,30 @@ TEST_F(Blocks, PrintMismatchDistributionsWithTheirDistance) {
     EXPECT_FALSE(holds(text, "expansion model"));
 }
 
+TEST_F(Blocks, PrintTheDistributionOfAllelesByItself) {
+    AnalysedProject alleles(one_sample(profile_text("STANDARD", 1, "WHITESPACE"), "4", "a 2 x v\nb 1 y v\nc 1 y w\n"));
+    EXPECT_TRUE(holds(alleles.run(task::mismatch), "Distance method : Pairwise difference (no Gamma correction)\n\n"
+                                                   "Mismatch observed mean              :      1.167\n"
+                                                   "Mismatch observed variance          :      0.567\n\n"
+                                                   "---------------------------\n"
+                                                   "        #Diff     Observed\n"
+                                                   "---------------------------\n"
+                                                   "          0.0          1.0\n"
+                                                   "          1.0          3.0\n"
+                                                   "          2.0          2.0\n"
+                                                   "---------------------------\n"
+                                                   "Classes without pairs of gene copies are left out\n"));
+    AnalysedProject sizes(one_sample(profile_text("MICROSAT", 1, "WHITESPACE"), "3", "a 2 10\nb 1 14\n"));
+    EXPECT_TRUE(holds(sizes.run(task::mismatch), "Distance method : No. of different alleles (FST) (no Gamma"));
+    sizes.set.MismatchDistanceMethod = 1;
+    std::string const text = sizes.run(task::mismatch);
+    EXPECT_TRUE(holds(text, "Distance method : Sum of squared size difference (RST) (no Gamma correction)\n\n"));
+    EXPECT_TRUE(holds(text, "          0.0          1.0\n         16.0          2.0\n-"));
+    AnalysedProject alike(one_sample(profile_text("STANDARD", 1, "WHITESPACE"), "3", "a 3 x\n"));
+    EXPECT_TRUE(holds(alike.run(task::mismatch),
+                      ":      0.000\n\nNo pair of gene copies with a difference was counted\n"));
+}
+
 TEST_F(Blocks, GiveNoDistributionToDistancesOfBillions) {
     AnalysedProject p(one_sample(profile_text("MICROSAT", 1, "WHITESPACE"), "3", "a 2 1\nb 1 90000\n"));
     p.set.MismatchDistanceMethod = 1;
