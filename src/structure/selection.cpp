@@ -102,6 +102,10 @@ public:
             if (can_simulate()) make_projects();
             return;
         }
+        if (tested_.nb_groups() == tested_.nb_samples()) {  // no locus could be analysed
+            set.ofs() << "\nOnly one sample per group in structure\n";
+            return;
+        }
         if (!read_null_loci()) {
             if (!can_simulate() || !simulate_null_loci()) return;
         }

@@ -251,6 +251,20 @@ class Selection(RunTestCase):
         document = self.detect(project(samples=1, groups=1))
         self.assertIn("Only one sample in structure", document)
 
+    def test_one_sample_per_group_is_refused_but_makes_projects(self):
+        text = project(samples=3, groups=3)
+        document = self.detect(text, UseHierarchicalIslandModel=1, NumberOfSimsForFDist2=100000)
+        self.assertIn("\nOnly one sample per group in structure\n", document)
+        self.assertNotIn("<detSel_", document)
+        self.assertFalse(self.exists("p.res", "fdist2_simOut.txt"))
+        self.assertFalse(self.exists("p.res", "fdist2_ObsOut.txt"))
+        self.assertIn('function "Project::IsAmovaStructure()" : invalid structure: only one population per group\n',
+                      self.log())
+        self.assert_well_formed("p.res", "p.xml")
+        self.assertNotIn("Only one sample", self.detect(text, "flat"))
+        made = self.simulate_projects("made", text, (1, 5, 4, 20, 0.1, 0.1), UseHierarchicalIslandModel=1)
+        self.assertEqual(read(made[0]).count("SampleName"), 3)
+
     def test_no_structure_is_refused(self):
         document = self.detect(project().split("[[Structure]]")[0])
         self.assertIn("Only one sample in structure", document)

@@ -483,6 +483,47 @@ TEST(SimulatedLocus, MutationsFallAtTheirRate) {
     EXPECT_NEAR(difference.value(), 0.0, 4.0 * difference.error());
 }
 
+TEST(Demes, AreAsManyAsTheModelHas) {
+    TTree tree;
+    tree.createDemes(ISLAND, 7);
+    EXPECT_EQ(tree.demes().demes(), 7);
+    tree.createDemes(ISLAND, 0);
+    EXPECT_EQ(tree.demes().demes(), 7) << "none wanted, nothing done";
+    tree.createDemes(STEPPING_STONE, 5);
+    EXPECT_EQ(tree.demes().demes(), 25);
+    tree.createDemes(static_cast<MigrationModel>(2), 5);
+    EXPECT_EQ(tree.demes().demes(), 0);
+}
+
+TEST(Demes, AreNumberedGroupByGroup) {
+    TTree tree;
+    tree.createDemes(ISLAND, 4, 3);
+    DemeLineages const& demes = tree.demes();
+    ASSERT_EQ(demes.demes(), 12);
+    ASSERT_EQ(demes.groups(), 3);
+    for (int deme = 0; deme < 12; ++deme) {
+        EXPECT_EQ(demes.group_of(deme), deme / 4);
+        EXPECT_EQ(demes.count(deme), 0);
+    }
+    for (int group = 0; group < 3; ++group) EXPECT_EQ(demes.first_of_group(group), 4 * group);
+}
+
+TEST(Demes, AreEmptyBehindEachLocus) {
+    test::seed(-1);
+    LocusSimulator simulator(samples_of(3, 4));
+    IslandModel model;
+    model.Fst = 0.2;
+    model.demes = 6;
+    for (int r = 0; r < 3; ++r) {
+        ASSERT_TRUE(simulator.simulateSample(model, {}));
+        DemeLineages const& demes = simulator.tree().demes();
+        EXPECT_EQ(demes.demes(), 6);
+        EXPECT_EQ(demes.active(), 0);
+        EXPECT_EQ(demes.occupied(), 0);
+        for (int deme = 0; deme < 6; ++deme) EXPECT_EQ(demes.count(deme), 0);
+    }
+}
+
 TEST(Demes, SlotOfARateNeedsTwoLineages) {
     DemeLineages demes;
     demes.create(4, 4);
