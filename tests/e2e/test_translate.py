@@ -278,6 +278,21 @@ class RoundTrips(Translation):
             self.assertEqual(self.read(name), ZENTARA_FILES[name])
         self.assertEqual(self.read("dist_mat.dis"), ZENTARA_FILES["m.dis"])
 
+    def test_zentara_without_a_directory_of_the_target(self):
+        """Populations and matrix lie in the directory of the list's first line then, and else beside the target."""
+        self.write("p.tvp", dna_project(structure=(("North",), ("South",))))
+        os.mkdir(self.path("work"))
+        os.mkdir(self.path("dst"))
+        for target, place in (("out.dat", "work/"), ("dst/out.dat", "dst/")):
+            self.translate("Tovenia", "Zentara", "p.tvp", target, directory="work")
+            self.assertEqual(self.read(target), "North\nSouth\n+++\ndist_mat.dis\n+++\nNorth\n+++\nSouth\n")
+            self.assertEqual(self.read(place + "North.pop"), "h1 2\nh2 1\n")
+            self.assertEqual(self.read(place + "South.pop"), "h1 1\nh3 3\n")
+            self.assertEqual(self.read(place + "dist_mat.dis"), "h1 h2 h3\n0\n1 0\n1 2 0\n")
+            for name in ("North.pop", "South.pop", "dist_mat.dis"):
+                self.assertFalse(self.exists(name))
+                os.remove(self.path(place + name))
+
     def test_zentara_with_extra_names(self):
         for name, text in ZENTARA_FILES.items():
             self.write(name, text)

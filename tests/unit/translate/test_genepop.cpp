@@ -299,6 +299,19 @@ TEST(GenepopWriter, WritesHaplotypesCopyByCopyWithOneAlleleALocus) {
               "Title line:t\nLocus_1\nLocus_2\nLocus_3\nPOP\nh1 , 01 00 01\nh1 , 01 00 01\nh_2 , 02 01 01\n");
 }
 
+TEST(GenepopWriter, WritesAsManyCopiesAsTheRoundedCounts) {
+    std::string text = genotypic_profile_text("STANDARD") + "[[Samples]]\n" +
+                       sample_text("S", "4", "i1 1.6 a b\nb b\ni2 1.4 a a\n? b\ni3 0.4 a a\na a\n");
+    std::string const expected = "POP\ni1 , 0102 0101\ni1 , 0102 0101\ni2 , 0100 0201\n";
+    EXPECT_TRUE(Export().write(imp_exp::genepop, text).ends_with(expected));
+    std::string const shares = genotypic_profile_text("STANDARD") + "[[Samples]]\n" +
+                               sample_text("S", "5", "i1 0.34 a b\nb b\ni2 0.66 a a\n? b\n");
+    text = shares;
+    text.insert(text.find("DataType"), "Frequency=REL\n");
+    EXPECT_TRUE(Export().write(imp_exp::genepop, text).ends_with(
+        "POP\ni1 , 0102 0101\ni1 , 0102 0101\ni2 , 0100 0201\ni2 , 0100 0201\ni2 , 0100 0201\n"));
+}
+
 TEST(GenepopWriter, WritesSequencesSiteBySite) {
     std::string const project = profile_text("DNA", 1, "WHITESPACE") + "[[Samples]]\n" +
                                 sample_text("S", "3", "h1 1 ACg\nh2 1 aCT\nh3 1 A?-\n");

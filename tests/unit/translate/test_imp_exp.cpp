@@ -2,6 +2,7 @@
 
 #include <regex>
 
+#include "base/timing.h"
 #include "model/sample.h"
 #include "translate/imp_exp.h"
 #include "translate_fixture.h"
@@ -55,6 +56,20 @@ TEST(ImpExp, ImportBeginsWithTimeSourceAndFormat) {
                                               "format \"GenePop\" \n\\[Profile\\]\n")))
         << project;
     EXPECT_EQ(context.fresh.log(), "\tReading  in.gen ...\n\tdone.\n");
+}
+
+TEST(ImpExp, TheHeadNamesEveryFormatAndTheYearOfThisCenturyInTheLast) {
+    std::pair<int, char const*> const formats[] = {
+        {1, "\"GenePop\" "}, {2, "\"Phylip\" "}, {3, "\"Mega\" "}, {4, "\"Biosys\" "}, {5, "\"Zentara\" "}};
+    std::string const year = local_time_text("%d/%m/19%y at ");
+    for (auto const& [format, name] : formats) {
+        Export context;
+        imp_exp translator;
+        translator.import_data(format, "none", "mid.tvp", file("mid.tvp"));
+        std::string const project = context.directory.read("mid.tvp");
+        EXPECT_TRUE(project.starts_with("#File created by Tovenia translator on " + year)) << project;
+        EXPECT_TRUE(holds(project, ")\n#The input file was \"none\"  with format " + std::string(name) + "\n")) << project;
+    }
 }
 
 TEST(ImpExp, ANameOf400CharactersLeavesTheOneBefore) {
