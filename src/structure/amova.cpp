@@ -268,55 +268,53 @@ void Amova::print_introduction() {
 }
 
 /// Number of the design; 0 for none.
-int Amova::select_design() const {
+AmovaDesignNumber Amova::select_design() const {
     settings const& set = view_.set;
     if (sizes_.groups() == 0 || sizes_.copies.empty()) {
-        return 0;
+        return NO_DESIGN;
     }
     Structure const& structure = *view_.structure;
     bool const several_groups = sizes_.groups() > 1;
     bool const one_population = !several_groups && sizes_.group_size[0] == 1;
-    auto const choose = [&](int alone, int one_group, int groups) {
+    auto const choose = [&](AmovaDesignNumber alone, AmovaDesignNumber one_group, AmovaDesignNumber groups) {
         return several_groups ? groups : one_population ? alone : one_group;
     };
+    AmovaDesignNumber const of_copies = choose(NO_DESIGN, DESIGN_1G_P_H, DESIGN_G_P_H);
+    AmovaDesignNumber const of_individuals = choose(DESIGN_1G_1P_I, DESIGN_1G_P_I, DESIGN_G_P_I);
     if (structure.GenotypicData == 0) {
-        return choose(0, 3, 5);
+        return of_copies;
     }
     if (structure.GameticPhase != 0) {
-        return individual_level_ ? choose(2, 4, 6) : choose(0, 3, 5);
+        return individual_level_ ? of_individuals : of_copies;
     }
     if (set.RecessiveAllelesEM != 0) {
-        return choose(0, 9, 10);
+        return choose(NO_DESIGN, DESIGN_1G_P_RIH, DESIGN_G_P_RIH);
     }
-    if (!individual_level_ || set.ComputeConventionalFST != 0) {
-        return choose(0, 7, 8);
+    if (individual_level_ && set.ComputeConventionalFST == 0) {
+        return of_individuals;
     }
-    return choose(2, 4, 6);
+    return choose(NO_DESIGN, DESIGN_1G_P_IH, DESIGN_G_P_IH);
 }
 
 void Amova::run_selected_design() {
     struct Choice {
+        AmovaDesignNumber design;
         int (Amova::*run)();
         int case_number;
     };
-    static constexpr int none = 0;
-    Choice const choices[] = {{nullptr, none},
-                              {nullptr, none},
-                              {&Amova::AMOVA_1G_1P_I, 6},
-                              {&Amova::AMOVA_1G_P_H, 1},
-                              {&Amova::AMOVA_1G_P_I, 2},
-                              {&Amova::AMOVA_G_P_H, 3},
-                              {&Amova::AMOVA_G_P_I, 4},
-                              {&Amova::AMOVA_1G_P_IH, 7},
-                              {&Amova::AMOVA_G_P_IH, 5},
-                              {&Amova::AMOVA_1G_P_RIH, 9},
-                              {&Amova::AMOVA_G_P_RIH, 8}};
-    Choice const& choice = choices[design_];
-    if (choice.run == nullptr) {
-        return;
+    static constexpr Choice choices[] = {
+        {DESIGN_1G_P_H, &Amova::AMOVA_1G_P_H, 1},     {DESIGN_1G_P_I, &Amova::AMOVA_1G_P_I, 2},
+        {DESIGN_G_P_H, &Amova::AMOVA_G_P_H, 3},       {DESIGN_G_P_I, &Amova::AMOVA_G_P_I, 4},
+        {DESIGN_G_P_IH, &Amova::AMOVA_G_P_IH, 5},     {DESIGN_1G_1P_I, &Amova::AMOVA_1G_1P_I, 6},
+        {DESIGN_1G_P_IH, &Amova::AMOVA_1G_P_IH, 7},   {DESIGN_G_P_RIH, &Amova::AMOVA_G_P_RIH, 8},
+        {DESIGN_1G_P_RIH, &Amova::AMOVA_1G_P_RIH, 9},
+    };
+    for (Choice const& choice : choices) {
+        if (choice.design == design_) {
+            (this->*choice.run)();
+            results_->case_number = choice.case_number;
+        }
     }
-    (this->*choice.run)();
-    results_->case_number = choice.case_number;
 }
 
 void Amova::compute_SSDP() {

@@ -52,10 +52,44 @@ struct AmovaTest {
     PermutationTail tail;
 };
 
+/// The designs, chosen by the data and by the groups of the structure (Amova::select_design).
+///
+/// A name tells the levels: 1G one group or G several; P populations or 1P one of them; then what stands below them. I:
+/// individuals, with their gene copies as the lowest level. H: gene copies alone, for haplotypes, and for genotypes of
+/// known phase without the level of individuals. IH: the table of H for genotypes of unknown phase, whose tests move
+/// whole individuals. RIH: the same with recessive alleles, which has no analysis.
+///
+/// | Design         | Source | Case | Levels of Va, Vb, ...                    | Tests, in the order of their draws  |
+/// |----------------|--------|------|------------------------------------------|-------------------------------------|
+/// | AMOVA_1G_P_H   | amova1 | 1    | populations, copies                      | FST PHAPWG                          |
+/// | AMOVA_1G_P_I   | amova2 | 2    | populations, individuals, copies         | FIS PHAIWP, FST PIAPWG, FIT PHAPWG  |
+/// | AMOVA_G_P_H    | amova3 | 3    | groups, populations, copies              | FST PHAPAG, FSC PHAPWG, FCT PPAG    |
+/// | AMOVA_G_P_I    | amova4 | 4    | groups, populations, individuals, copies | FIT PHAPAG, FIS PHAIWP, FSC PIAPWG, |
+/// |                |        |      |                                          | FCT PPAG                            |
+/// | AMOVA_G_P_IH   | amova8 | 5    | groups, populations, copies              | FST PIAPAG, FSC PIAPWG, FCT PPAG    |
+/// | AMOVA_1G_1P_I  | amova6 | 6    | individuals, copies                      | FIS PHAIWP                          |
+/// | AMOVA_1G_P_IH  | amova7 | 7    | populations, copies                      | FST PIAPWG                          |
+/// | AMOVA_G_P_RIH  | none   | 8    |                                          |                                     |
+/// | AMOVA_1G_P_RIH | none   | 9    |                                          |                                     |
+///
+/// The case is the number of a design in amova_results, by which tables over loci find their labels (amova_table.h).
+/// What a test exchanges stands with PermutationScheme; PPAG exchanges populations among groups.
+enum AmovaDesignNumber : int {
+    NO_DESIGN = 0,
+    DESIGN_1G_1P_I = 2,
+    DESIGN_1G_P_H = 3,
+    DESIGN_1G_P_I = 4,
+    DESIGN_G_P_H = 5,
+    DESIGN_G_P_I = 6,
+    DESIGN_1G_P_IH = 7,
+    DESIGN_G_P_IH = 8,
+    DESIGN_1G_P_RIH = 9,
+    DESIGN_G_P_RIH = 10
+};
+
 /// What makes a design: all that printing and testing need.
 struct AmovaDesign {
     char const* context;  ///< where its errors come from
-    int case_number;
     std::span<AmovaRow const> rows;
     std::span<AmovaIndex const> indices;
     char const* index_head;  ///< line above several indices; null for one
@@ -88,7 +122,7 @@ public:
     Amova(Amova const&) = delete;
     Amova& operator=(Amova const&) = delete;
 
-    [[nodiscard]] int design() const noexcept { return design_; }
+    [[nodiscard]] AmovaDesignNumber design() const noexcept { return design_; }
     [[nodiscard]] VarianceTable const& table() const noexcept { return table_; }
 
     /// Prints the order of populations and the value of a permutation.
@@ -113,11 +147,11 @@ private:
     [[nodiscard]] AmovaInput gather_input();
     [[nodiscard]] std::vector<int> load_HaplotypeIndexVector(int known) const;
     void distribute_HaplotypeIndexVector(std::span<int> genes, int known) const;
-    [[nodiscard]] int select_design() const;
+    [[nodiscard]] AmovaDesignNumber select_design() const;
     void run_selected_design();
     void print_introduction();
 
-    // --- Designs (amova1.cpp .. amova8.cpp; the first line of each tells which) ---
+    // --- Designs, see AmovaDesignNumber. @return 1, or 0 when the design is ill defined or the user stopped ---
     int AMOVA_1G_P_H();
     int AMOVA_1G_P_IH();
     int AMOVA_1G_P_I();
@@ -128,8 +162,10 @@ private:
     // Haplotypes of genotypes whose phase is unknown have no analysis: nothing is computed or printed.
     int AMOVA_1G_P_RIH() { return 1; }
     int AMOVA_G_P_RIH() { return 1; }
-    int one_group_of_haplotypes(PermutationScheme scheme, int case_number);
-    int groups_of_haplotypes(PermutationScheme among, PermutationScheme within, int case_number);
+    /// AMOVA_1G_P_H and AMOVA_1G_P_IH, which differ in what the test of FST moves.
+    int one_group_of_haplotypes(PermutationScheme scheme);
+    /// AMOVA_G_P_H and AMOVA_G_P_IH, which differ in what the tests of FST and FSC move.
+    int groups_of_haplotypes(PermutationScheme among, PermutationScheme within);
 
     // --- Sums (amova.cpp) ---
     /// Population sums, within terms, group sums and, for designs of individuals, the sum within individuals.
@@ -170,7 +206,7 @@ private:
     bool print_;
     int locus_;
     amova_results* results_;  // borrowed
-    int design_ = 0;
+    AmovaDesignNumber design_ = NO_DESIGN;
     bool individual_level_ = false;
     PermutationPlan plan_{0};
     std::string time_text_;

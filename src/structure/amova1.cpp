@@ -1,4 +1,5 @@
-// Designs of one group of populations with haplotypes as units: AMOVA_1G_P_H, AMOVA_1G_P_IH.
+// AMOVA_1G_P_H: populations of one group, gene copies within populations; for haplotypes, and for genotypes of known
+// phase without the level of individuals. AMOVA_1G_P_IH (amova7.cpp) has the same table.
 #include "input/settings.h"
 #include "structure/amova.h"
 
@@ -13,12 +14,12 @@ constexpr AmovaIndex indices[] = {{" Fixation Index      FST : ", &VarianceTable
 
 /// Va is tested against permutations among populations; the statistic is
 /// 1/(a n) (SSD total - W') - 1/(b n) W'.
-int Amova::one_group_of_haplotypes(PermutationScheme scheme, int case_number) {
+int Amova::one_group_of_haplotypes(PermutationScheme scheme) {
     compute_observed_sums(false);
     table_ = one_group_haplotypes(sizes_, sums_);
     AmovaTest const tests[] = {{0, slot_FST, "FST", false, scheme, PermutationTail::above}};
     // The context is shared with the design that permutes individuals.
-    AmovaDesign const design{"Amova::AMOVA_1G_P_H()", case_number, rows, indices, nullptr, tests, false};
+    AmovaDesign const design{"Amova::AMOVA_1G_P_H()", rows, indices, nullptr, tests, false};
     if (plan_.permutations == 0) {
         return run_design(design, {});
     }
@@ -30,6 +31,6 @@ int Amova::one_group_of_haplotypes(PermutationScheme scheme, int case_number) {
     return run_design(design, {va});
 }
 
-int Amova::AMOVA_1G_P_H() { return one_group_of_haplotypes(PermutationScheme::PHAPWG, 1); }
+int Amova::AMOVA_1G_P_H() { return one_group_of_haplotypes(PermutationScheme::PHAPWG); }
 
 }  // namespace tov

@@ -1,4 +1,5 @@
-// AMOVA_1G_P_I: one group of populations, individuals within populations.
+// AMOVA_1G_P_I: populations of one group, individuals within populations, gene copies within individuals; for
+// genotypes.
 #include "structure/amova.h"
 #include "input/settings.h"
 
@@ -25,7 +26,7 @@ int Amova::AMOVA_1G_P_I() {
     }
     compute_observed_sums(true);
     table_ = one_group_individuals(sizes_, sums_);
-    AmovaDesign const design{"Amova::AMOVA_1G_P_I()", 2, rows, indices, " Fixation Indices\n", tests, true};
+    AmovaDesign const design{"Amova::AMOVA_1G_P_I()", rows, indices, " Fixation Indices\n", tests, true};
     if (plan_.permutations == 0) {
         return run_design(design, {});
     }

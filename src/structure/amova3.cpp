@@ -1,4 +1,5 @@
-// Designs of groups of populations with haplotypes as units: AMOVA_G_P_H, AMOVA_G_P_IH.
+// AMOVA_G_P_H: groups, populations within groups, gene copies within populations; for haplotypes, and for genotypes of
+// known phase without the level of individuals. AMOVA_G_P_IH (amova8.cpp) has the same table.
 #include "structure/amova.h"
 
 namespace tov {
@@ -13,13 +14,13 @@ constexpr AmovaIndex indices[] = {{"      FST : ", &VarianceTable::FST, slot_FST
 
 }  // namespace
 
-int Amova::groups_of_haplotypes(PermutationScheme among, PermutationScheme within, int case_number) {
+int Amova::groups_of_haplotypes(PermutationScheme among, PermutationScheme within) {
     compute_observed_sums(false);
     table_ = groups_haplotypes(sizes_, sums_, groups_);
     AmovaTest const tests[] = {{2, slot_FST, "FST", false, among, PermutationTail::below},
                                {1, slot_FSC, "FSC", false, within, PermutationTail::above},
                                {0, slot_FCT, "FCT", true, among, PermutationTail::above}};
-    AmovaDesign const design{"Amova::AMOVA_G_P_H()", case_number, rows, indices, " Fixation Indices\n", tests, false};
+    AmovaDesign const design{"Amova::AMOVA_G_P_H()", rows, indices, " Fixation Indices\n", tests, false};
     if (plan_.permutations == 0) {
         return run_design(design, {});
     }
@@ -34,6 +35,6 @@ int Amova::groups_of_haplotypes(PermutationScheme among, PermutationScheme withi
     return run_design(design, {vc, vb, va});
 }
 
-int Amova::AMOVA_G_P_H() { return groups_of_haplotypes(PermutationScheme::PHAPAG, PermutationScheme::PHAPWG, 3); }
+int Amova::AMOVA_G_P_H() { return groups_of_haplotypes(PermutationScheme::PHAPAG, PermutationScheme::PHAPWG); }
 
 }  // namespace tov

@@ -1,4 +1,5 @@
-// AMOVA_G_P_I: groups, populations, individuals.
+// AMOVA_G_P_I: groups, populations within groups, individuals within populations, gene copies within individuals; for
+// genotypes.
 #include "structure/amova.h"
 
 namespace tov {
@@ -24,7 +25,7 @@ constexpr AmovaTest tests[] = {
 int Amova::AMOVA_G_P_I() {
     compute_observed_sums(true);
     table_ = groups_individuals(sizes_, sums_, groups_);
-    AmovaDesign const design{"Amova::AMOVA_G_P_I()", 4, rows, indices, " Fixation Indices\n", tests, true};
+    AmovaDesign const design{"Amova::AMOVA_G_P_I()", rows, indices, " Fixation Indices\n", tests, true};
     if (plan_.permutations == 0) {
         return run_design(design, {});
     }

@@ -1,4 +1,4 @@
-// AMOVA_1G_1P_I: the individuals of one population.
+// AMOVA_1G_1P_I: individuals of one population, gene copies within individuals; for genotypes.
 #include "structure/amova.h"
 
 namespace tov {
@@ -14,7 +14,7 @@ constexpr AmovaTest tests[] = {{0, slot_FIS, "FIS", false, PermutationScheme::PH
 int Amova::AMOVA_1G_1P_I() {
     compute_observed_sums(true);
     table_ = one_population_individuals(sums_);
-    AmovaDesign const design{"Amova::AMOVA_1G_1P_I()", 6, rows, indices, nullptr, tests, true};
+    AmovaDesign const design{"Amova::AMOVA_1G_1P_I()", rows, indices, nullptr, tests, true};
     if (plan_.permutations == 0) {
         return run_design(design, {});
     }
