@@ -89,6 +89,9 @@ public:
     /// Copies the project's name to input_file and derives the file names of its run from it, from XMLOutput and from
     /// the working directory.
     void buildFilenamesFromCurrentProjectName(std::string_view name);
+    /// The names of the result browser's pages and scripts, from those of the document, the project's directory and the
+    /// working directory.
+    void name_pages();
     /// Names of the four files of AMOVA null distributions: input_file with the extension .va, .vb, .vc, .vd.
     void build_sigm_histo_f_name();
 

@@ -139,16 +139,20 @@ void settings::buildFilenamesFromCurrentProjectName(std::string_view name) {
     std::string const title = my_string(base).rm_path().str();
     project_path = my_string(name).extract_path().str();
     project_dir = base + ".res/";
-    std::string const result_base = project_dir + title;
-    result_file = result_base + (XMLOutput != 0 ? ".xml" : ".htm");
+    result_file = project_dir + title + (XMLOutput != 0 ? ".xml" : ".htm");
     backup_file = base + ".bac";
-    tree_page = result_base + "_tree.htm";
-    tree_script = result_base + ".js";
-    main_page = result_base + "_main.htm";
+    ld_output_file = project_dir + "ld_dis.xl";
+    name_pages();
+}
+
+void settings::name_pages() {
+    std::string const base = my_string(std::string_view(result_file)).remove_extension().str();
+    tree_page = base + "_tree.htm";
+    tree_script = base + ".js";
+    main_page = base + "_main.htm";
     style_sheet = working_directory + "ftie4style.css";
     tree_code = working_directory + "ftiens4.js";
     graphics_dir = project_dir + "Graphics/";
-    ld_output_file = project_dir + "ld_dis.xl";
 }
 
 void settings::build_sigm_histo_f_name() {

@@ -154,13 +154,7 @@ void Project::name_run_files() {
     std::string directory = forward_slashes(current_directory());
     if (!directory.empty() && directory.back() != '/') directory += '/';
     settings_->set_tovenia_directory(directory);
-    std::string const base = without_extension(settings_->result_file);
-    settings_->tree_page = base + "_tree.htm";
-    settings_->tree_script = base + ".js";
-    settings_->main_page = base + "_main.htm";
-    settings_->style_sheet = directory + "ftie4style.css";
-    settings_->tree_code = directory + "ftiens4.js";
-    settings_->graphics_dir = settings_->project_dir + "Graphics/";
+    settings_->name_pages();
 }
 
 void Project::New_print_html_frames_output(bool /*existed*/) const {

@@ -12,7 +12,7 @@
 #include "run/project.h"
 #include "structure/amova.h"
 #include "structure/assignment.h"
-#include "structure/loc_by_loc.h"
+#include "structure/gen_struct.h"
 #include "structure/selection.h"
 
 namespace tov {

@@ -1,4 +1,6 @@
 // The genetic structure block of a run: which analyses run, and in which order.
+#include "structure/gen_struct.h"
+
 #include <ctime>
 #include <ostream>
 

@@ -16,7 +16,7 @@
 #include "model/struct.h"
 #include "run/errors.h"
 #include "structure/formula/selection_p.h"
-#include "structure/loc_by_loc.h"
+#include "structure/gen_struct.h"
 #include "structure/selection_report.h"
 #include "structure/simulated_project.h"
 

@@ -9,6 +9,7 @@
 
 #include "base/scoped_swap.h"
 #include "structure/formula/selection_p.h"
+#include "structure/gen_struct.h"
 #include "structure/loc_by_loc.h"
 #include "structure/selection.h"
 #include "structure/simulated_project.h"
