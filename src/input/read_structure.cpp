@@ -221,7 +221,7 @@ int Structure::explore(std::istream& ifs, char const* file) {
     return 1;
 }
 
-int Structure::explore_content(std::istream& ifs, my_string ident, std::ostream& out) {
+int Structure::explore_content(std::istream& ifs, my_string const& ident, std::ostream& out) {
     if (ident == "structurename") return get_qstring(ifs, name);
     if (ident == "nbgroups") {
         if (!get_int(ifs, NbGroupsDeclared)) return 0;

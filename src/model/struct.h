@@ -69,7 +69,7 @@ public:
     /// Writes the groups of a project into `file` for the front end: the number of groups, then each group's samples.
     int explore(std::istream& ifs, char const* file);
     /// Writes the content of one key into the front end's file. @return 1, or 0 at the end of the data.
-    int explore_content(std::istream& ifs, my_string ident, std::ostream& out);
+    int explore_content(std::istream& ifs, my_string const& ident, std::ostream& out);
 
     /// Prints the groups with the names of their samples, for a document.
     void print_groups(std::ostream& os) const;

@@ -30,7 +30,7 @@ struct StructureActions;
 class Project : public ProfileSettings {
 public:
     Project();
-    ~Project();
+    ~Project() override;
     Project(Project const&) = delete;
     Project& operator=(Project const&) = delete;
 

@@ -95,6 +95,14 @@ class House(unittest.TestCase):
                     wrong.append(path)
         self.assertEqual(wrong, [])
 
+    def test_the_architecture_names_files_that_exist(self):
+        with open(os.path.join(SOURCE, "..", "docs", "architecture.md"), encoding="utf-8") as handle:
+            paths = set(re.findall(r"`(\w+/[\w/.]+\.(?:cpp|h|py|tvs|md))`", handle.read()))
+        self.assertGreater(len(paths), 20)
+        tops = (SOURCE, os.path.join(SOURCE, ".."))
+        self.assertEqual([path for path in sorted(paths)
+                          if not any(os.path.exists(os.path.join(top, path)) for top in tops)], [])
+
 
 if __name__ == "__main__":
     unittest.main()

@@ -127,85 +127,105 @@ TEST(FlatIslands, SamplesTakeDemesOfTheirOwnInOrderOfTheirTips) {
     EXPECT_EQ(demes.coalescence_rate(), 3.0 + 0.0 + 1.0);
 }
 
-// The events of a small tree once more, with lists in place of counts.
-TEST(FlatIslands, EventsSpendTheirDrawsInOrder) {
-    int const d = 4;
-    double const F = 0.3;
-    std::vector<int> const copies{3, 2};
-    for (long s = 1; s <= 200; ++s) {
-        test::seed(-s);
-        TTree tree;
-        ASSERT_EQ(tree.build_tree_struct_pop({copies, {}}, F, d), 1);
-        RandomState const after = random_state;
-
-        test::seed(-s);
-        std::vector<int> free{0, 1, 2, 3}, occupied;
-        std::vector<std::vector<int>> demes(d);
-        int tip = 0;
+/// The events of a small tree once more, with lists in place of counts: the same draws, compared node by node.
+class ListedIslands {
+public:
+    ListedIslands(std::vector<int> const& copies, int d, double F, TTree const& tree)
+        : tree_(tree), d_(d), m_((d - 1.0) * (1.0 / F - 1.0) / (2.0 * 1000.0 * d)), demes_(d) {
+        std::vector<int> free(static_cast<std::size_t>(d));
+        std::iota(free.begin(), free.end(), 0);
         for (int const c : copies) {
             auto const j = static_cast<std::size_t>(uniform() * static_cast<double>(free.size()));
             int const deme = free[j];
             free[j] = free.back();
             free.pop_back();
-            for (int i = 0; i < c; ++i) demes[deme].push_back(tip++);
-            occupied.push_back(deme);
+            for (int i = 0; i < c; ++i) demes_[deme].push_back(tips_++);
+            occupied_.push_back(deme);
         }
-        int active = tip;
-        double const m = (d - 1.0) * (1.0 / F - 1.0) / (2.0 * 1000.0 * d);
-        double t = 0.0;
-        auto const rate = [&](int deme) {
-            double const c = static_cast<double>(demes[deme].size());
-            return c * (c - 1.0) / 2.0;
-        };
-        while (active > 1) {
+        active_ = tips_;
+    }
+    void run() {
+        while (active_ > 1) {
             double total = 0.0;
-            for (int const deme : occupied) total += rate(deme);
-            double const R = total + active * m * 1000.0;
-            t += -std::log(1.0 - uniform()) / R;
-            if (uniform() * R < total) {
-                double const v = uniform() * total;
-                double sum = 0.0;
-                int deme = -1;
-                for (int const o : occupied) {
-                    sum += rate(o);
-                    if (v <= sum && rate(o) > 0.0) {
-                        deme = o;
-                        break;
-                    }
-                }
-                std::vector<int>& here = demes[deme];
-                int const c = static_cast<int>(here.size());
-                int const id = 2 * tip - active;
-                int j = static_cast<int>(c * uniform());
-                int const left = here[j];
-                here[j] = here.back();
-                here.pop_back();
-                j = static_cast<int>((c - 1) * uniform());
-                int const right = here[j];
-                here[j] = id;
-                --active;
-                EXPECT_EQ(tree[id].left, &tree[left]);
-                EXPECT_EQ(tree[id].right, &tree[right]);
-                EXPECT_DOUBLE_EQ(tree[id].time, t);
+            for (int const deme : occupied_) total += rate(deme);
+            double const all = total + active_ * m_ * 1000.0;
+            time_ += -std::log(1.0 - uniform()) / all;
+            if (uniform() * all < total) {
+                coalesce(demes_[deme_at(uniform() * total)]);
             } else {
-                int j = static_cast<int>(active * uniform());
-                std::size_t slot = 0;
-                while (j >= static_cast<int>(demes[occupied[slot]].size()))
-                    j -= static_cast<int>(demes[occupied[slot++]].size());
-                int const source = occupied[slot];
-                int const lineage = demes[source][j];
-                demes[source][j] = demes[source].back();
-                demes[source].pop_back();
-                int target = source;
-                while (target == source) target = static_cast<int>(uniform() * d);
-                if (demes[source].empty()) {
-                    occupied[slot] = occupied.back();
-                    occupied.pop_back();
-                }
-                if (demes[target].empty()) occupied.push_back(target);
-                demes[target].push_back(lineage);
+                migrate();
             }
         }
+    }
+
+private:
+    [[nodiscard]] double rate(int deme) const {
+        double const c = static_cast<double>(demes_[deme].size());
+        return c * (c - 1.0) / 2.0;
+    }
+    /// The occupied deme at which the sum of the rates reaches v.
+    [[nodiscard]] int deme_at(double v) const {
+        double sum = 0.0;
+        for (int const deme : occupied_) {
+            sum += rate(deme);
+            if (v <= sum && rate(deme) > 0.0) return deme;
+        }
+        return -1;
+    }
+    void coalesce(std::vector<int>& here) {
+        int const c = static_cast<int>(here.size());
+        int const id = 2 * tips_ - active_;
+        int j = static_cast<int>(c * uniform());
+        int const left = here[j];
+        here[j] = here.back();
+        here.pop_back();
+        j = static_cast<int>((c - 1) * uniform());
+        int const right = here[j];
+        here[j] = id;
+        --active_;
+        EXPECT_EQ(tree_[id].left, &tree_[left]);
+        EXPECT_EQ(tree_[id].right, &tree_[right]);
+        EXPECT_DOUBLE_EQ(tree_[id].time, time_);
+    }
+    void migrate() {
+        int j = static_cast<int>(active_ * uniform());
+        std::size_t slot = 0;
+        while (j >= static_cast<int>(demes_[occupied_[slot]].size()))
+            j -= static_cast<int>(demes_[occupied_[slot++]].size());
+        int const source = occupied_[slot];
+        int const lineage = demes_[source][j];
+        demes_[source][j] = demes_[source].back();
+        demes_[source].pop_back();
+        int target = source;
+        while (target == source) target = static_cast<int>(uniform() * d_);
+        if (demes_[source].empty()) {
+            occupied_[slot] = occupied_.back();
+            occupied_.pop_back();
+        }
+        if (demes_[target].empty()) occupied_.push_back(target);
+        demes_[target].push_back(lineage);
+    }
+
+    TTree const& tree_;
+    int d_;
+    double m_;
+    std::vector<std::vector<int>> demes_;  ///< lineages of each deme
+    std::vector<int> occupied_;
+    int tips_ = 0;
+    int active_ = 0;
+    double time_ = 0.0;
+};
+
+TEST(FlatIslands, EventsSpendTheirDrawsInOrder) {
+    std::vector<int> const copies{3, 2};
+    for (long s = 1; s <= 200; ++s) {
+        test::seed(-s);
+        TTree tree;
+        ASSERT_EQ(tree.build_tree_struct_pop({copies, {}}, 0.3, 4), 1);
+        RandomState const after = random_state;
+
+        test::seed(-s);
+        ListedIslands(copies, 4, 0.3, tree).run();
         EXPECT_EQ(after.ran3.ma, random_state.ran3.ma);
         EXPECT_EQ(after.ran3.inext, random_state.ran3.inext);
     }
