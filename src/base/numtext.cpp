@@ -76,7 +76,8 @@ double my_atof(std::string_view text) noexcept {
         exponent_mark = std::min(text.find_first_of("eE", integer_end), text.size());
         fraction_field = without_surplus_digits(text.substr(integer_end + 1, exponent_mark - integer_end - 1));
     }
-    long const exponent = exponent_mark < text.size() ? my_atol(text.substr(exponent_mark + 1)) : 0;
+    long const told_exponent = exponent_mark < text.size() ? my_atol(text.substr(exponent_mark + 1)) : 0;
+    long const exponent = std::clamp(told_exponent, -1000L, 1000L);  // beyond, every number is 0 or infinite
 
     double const integer = digits_of(integer_field) > MOST_DIGITS ? gather<double>(integer_field)
                                                                   : static_cast<double>(my_atol(integer_field));

@@ -66,6 +66,8 @@ TEST(MyAtof, ExtremeTextGivesTheLimitsOfDoubles) {
     EXPECT_EQ(0.0, my_atof("0e999999"));
     EXPECT_EQ(0.0, my_atof("1e-999999"));
     EXPECT_TRUE(std::isinf(my_atof("1e999999")));
+    EXPECT_EQ(0.0, my_atof("1.234567e-9223372036854775808")) << "the least 64-bit exponent";
+    EXPECT_TRUE(std::isinf(my_atof("1.234567e9223372036854775807")));
     EXPECT_TRUE(std::isinf(my_atof("-1e99999")));
     EXPECT_NEAR(1.0, my_atof("1e308") / 1e308, 1e-12);
     EXPECT_NEAR(1.0, my_atof("1e-300") / 1e-300, 1e-12);
