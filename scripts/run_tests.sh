@@ -7,7 +7,7 @@ top=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 cd "$top" || exit 1
 # shellcheck source=scripts/packages.sh
 . scripts/packages.sh
-need_packages cmake ninja-build g++ python3 libgtest-dev libbenchmark-dev libxml2-utils || exit 1
+need_packages cmake ninja-build g++ python3 libgtest-dev libbenchmark-dev libxml2-utils libxml2-dev || exit 1
 
 jobs=$(nproc)
 failed=()
