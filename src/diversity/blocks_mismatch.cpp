@@ -109,6 +109,20 @@ void estimate(SampleRun& run, std::string_view title, void (PopGenetics::*method
     }
 }
 
+/// Models of expansion are those of sites; alleles have their distribution alone.
+void print_distribution_or_estimates(SampleRun& run) {
+    if (run.words.type != DNA && run.words.type != RFLP) {
+        print_distribution(run);
+        return;
+    }
+    if (run.set.MismatchDemogExp) {
+        estimate(run, "Parameters estimated under the sudden expansion model:", &PopGenetics::est_demog_mis);
+    }
+    if (run.set.MismatchSpatialExp) {
+        estimate(run, "Parameters estimated under the spatial expansion model:", &PopGenetics::est_spatial_mis);
+    }
+}
+
 }  // namespace
 
 void mismatch_block(SampleRun& run) {
@@ -129,24 +143,19 @@ void mismatch_block(SampleRun& run) {
     run.ensure_evaluated();
     run.console << "\tComputing mismatch distribution...\n";
     run.choose_distance(run.set.MismatchDistanceMethod, run.set.MismatchGammaAValue);
-    // Without a whole matrix the distribution is that of a sample without differences.
-    if (run.pop.compute_distance_matrix(nullptr, &run.set, 1) == 0) {
-        run.pop.max_mismatch_ = 0;
+    bool const measured = run.pop.compute_distance_matrix(nullptr, &run.set, 1) != 0;
+    if (!measured) {
+        run.pop.max_mismatch_ = 0;  // without a whole matrix there is no distribution
     }
     if (run.stopped()) {
         return;
     }
     run.pop.compute_mm_distr(run.out, run.set);
     print_distance(run);
-    bool const estimates = run.words.type == DNA || run.words.type == RFLP;
-    if (!estimates) {
-        print_distribution(run);
-    }
-    if (estimates && run.set.MismatchDemogExp) {
-        estimate(run, "Parameters estimated under the sudden expansion model:", &PopGenetics::est_demog_mis);
-    }
-    if (estimates && run.set.MismatchSpatialExp) {
-        estimate(run, "Parameters estimated under the spatial expansion model:", &PopGenetics::est_spatial_mis);
+    if (measured) {
+        print_distribution_or_estimates(run);
+    } else {
+        run.out << "Mismatch distribution cannot be computed \nwithout the distances between all haplotypes.\n";
     }
     write_table_rows(run);
     run.console << "\tdone ! (" << run.milliseconds() << " ms)\n";

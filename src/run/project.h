@@ -80,7 +80,7 @@ public:
     void detectSelectedLociFromFSTHetComparison(bool hierarchical);
 
     // --- Distances between haplotypes (project_distances.cpp) ---
-    /// Fills the distance matrix from the project's haplotypes. @return 1, or 0 after code 136.
+    /// Fills the distance matrix from the project's haplotypes. @return 1, or 0 after code 136, the matrix then empty.
     int calc_dist_matrix(int method, double gamma);
     /// The same from the haplotypes of `list`, without the report on usable loci.
     int calc_dist_matrix(Haplo_DB& list, int method, double gamma);

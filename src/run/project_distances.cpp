@@ -83,6 +83,9 @@ int Project::calc_dist_matrix(Haplo_DB& list, int method, double gamma, bool rep
     auto* const genetics = dynamic_cast<PopGenetics*>(population.get());
     if (!genetics || !genetics->has_dist_mat()) {
         E.error(ErrorType::Error, "Project::calc_dist_matrix()", 136);
+        // What an earlier call left would pass for the distances of this one: an empty matrix is refused.
+        distances_->reset();
+        distances_->create(0);
         return 0;
     }
     RectMat const& computed = genetics->get_dist_mat();

@@ -135,8 +135,8 @@ void gen_struct_calculations(ProjectView const& view, StructureActions const& ac
         print_heading(view);
     }
     if (matrix_wanted(set)) {
-        actions.calc_dist_matrix(set.DistanceMethodAMOVA, set.GammaAValueAMOVA);
-        if (set.PrintDistanceMatrix != 0 || set.PrintMinSpannNetworkGlob != 0) {
+        bool const computed = actions.calc_dist_matrix(set.DistanceMethodAMOVA, set.GammaAValueAMOVA) != 0;
+        if (computed && (set.PrintDistanceMatrix != 0 || set.PrintMinSpannNetworkGlob != 0)) {
             actions.print_distance_matrix();
         }
     }

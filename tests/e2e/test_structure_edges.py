@@ -60,6 +60,37 @@ class Permutations(EdgeTestCase):
             self.assertIn('\tResults in file : "p.res/p.v%s"\n' % letter, self.log())
 
 
+class DistancesThatCannotBeComputed(EdgeTestCase):
+    """Sequences that differ at nine sites of ten are beyond the correction of Jukes and Cantor."""
+
+    SAMPLES = (("A", (("h1", 3, "ACGTACGTAC"), ("h2", 2, "ACGTACGTAT"))),
+               ("B", (("h3", 2, "GTACGTACGC"), ("h1", 2, "ACGTACGTAC"))),
+               ("C", (("h3", 3, "GTACGTACGC"), ("h2", 2, "ACGTACGTAT"))))
+
+    def structure(self, **keys):
+        self.run_project(support.dna_project(self.SAMPLES, (("A", "B"), ("C",))),
+                         **dict(dict(TaskNumber=512 + 1024, HaplAMOVA=1, LocByLocAMOVA=1, ComputePairwiseFST=1,
+                                     PrintFstVals=1, ComputeDistanceMatrixAMOVA=1, DistanceMethodAMOVA=1,
+                                     PrintDistanceMatrix=1, PrintMinSpannNetworkGlob=1), **keys))
+        return self.document()
+
+    def test_nothing_is_computed_from_a_matrix_that_is_not_there(self):
+        for keys in ({}, dict(EliminateRedondHaplodefs=1), dict(ComputeSumStatsWithinGroups=1)):
+            with self.subTest(**keys):
+                text = self.structure(**keys)
+                self.assertIn("sequences too divergent for Jukes and Cantor correction", text)
+                for section in ("AMOVA design and results :", "Population pairwise FSTs", "MINIMUM SPANNING TREE",
+                                "Matrix of Euclidian square distances", "array out of bounds"):
+                    self.assertNotIn(section, text)
+                self.assertIn('"Project::AMOVA()" : haplotype list incompatible with distance matrix\n', self.log())
+                self.assertIn("AMOVA Results for polymorphic loci only:", text)
+
+    def test_differences_of_the_same_sequences_are_analysed(self):
+        text = self.structure(DistanceMethodAMOVA=0)
+        for section in ("AMOVA design and results :", "Population pairwise FSTs", "MINIMUM SPANNING TREE"):
+            self.assertIn(section, text)
+
+
 class Designs(EdgeTestCase):
     def test_two_fixed_populations_have_an_fst_of_one(self):
         self.run_project(project(FIXED, [("A", "B")]), TaskNumber=512 + 1024, HaplAMOVA=1, NumPermutationsAMOVA=0,

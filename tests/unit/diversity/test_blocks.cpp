@@ -359,6 +359,17 @@ TEST_F(Blocks, PrintTheDistributionOfAllelesByItself) {
                       ":      0.000\n\nNo pair of gene copies with a difference was counted\n"));
 }
 
+TEST_F(Blocks, GiveNoMomentsOfDistancesThatCannotBeComputed) {
+    AnalysedProject p(dna("4", "a 2 AAAA\nb 2 GGGA\n"));
+    p.set.MismatchDistanceMethod = 1;  // three sites of four are too many for Jukes and Cantor
+    p.set.MismatchDemogExp = p.set.MismatchSpatialExp = 1;
+    std::string const text = p.run(task::mismatch);
+    EXPECT_TRUE(
+        holds(text, "Mismatch distribution cannot be computed \nwithout the distances between all haplotypes.\n"));
+    EXPECT_FALSE(holds(text, "Mismatch observed mean"));
+    EXPECT_TRUE(p.sample().mismatch_.empty());
+}
+
 TEST_F(Blocks, GiveNoDistributionToDistancesOfBillions) {
     AnalysedProject p(one_sample(profile_text("MICROSAT", 1, "WHITESPACE"), "3", "a 2 1\nb 1 90000\n"));
     p.set.MismatchDistanceMethod = 1;
