@@ -48,9 +48,11 @@ Histogram histogram_of(std::vector<double> const& sorted, int classes) {
     for (int k = 0; k < classes; ++k) {
         h.start.push_back(static_cast<float>(sorted.front()) + static_cast<float>(k) * h.width);
     }
-    for (double const value : sorted) {
+    for (double const exact : sorted) {
+        // Rounded as the starts are: the smallest value could lie below the start that it gave.
+        auto const value = static_cast<float>(exact);
         for (int k = 0; k <= classes - 2; ++k) {
-            if (static_cast<double>(h.start[k]) <= value && value < static_cast<double>(h.start[k + 1])) {
+            if (h.start[k] <= value && value < h.start[k + 1]) {
                 ++h.count[k];
                 break;
             }

@@ -42,6 +42,16 @@ class Permutations(EdgeTestCase):
         for component in range(4):
             self.assertEqual(sum(int(row.split()[2 * component + 1]) for row in rows), 6)
 
+    def test_every_permutation_stands_in_the_histogram(self):
+        for seed in range(8):
+            self.run_with_null_files(microsatellites(seed, FOUR, 4, groups=TWO_GROUPS), NumPermutationsAMOVA=50,
+                                     IncludeIndividualLevel=1, **AMOVA)
+            histogram = self.document().split("Histogram of variance components null distributions\n")[1]
+            rows = histogram.split("\n\nObserved  values:")[0].splitlines()[2:]
+            for component in range(4):
+                counts = [int(row.split()[2 * component + 1]) for row in rows]
+                self.assertEqual(sum(counts), 56, "component %d of seed %d" % (component, seed))
+
     def test_null_files_hold_the_sorted_values_of_their_component(self):
         self.run_with_null_files(microsatellites(1, FOUR, 4, groups=TWO_GROUPS), NumPermutationsAMOVA=20,
                                  IncludeIndividualLevel=1, **AMOVA)
