@@ -15,7 +15,7 @@ std::size_t count_usable() noexcept {
     if (__builtin_cpu_supports("avx512f")) {
         return 3;
     }
-    return __builtin_cpu_supports("avx2") ? 2 : 1;
+    return __builtin_cpu_supports("avx2") && __builtin_cpu_supports("fma") ? 2 : 1;
 #else
     return 1;
 #endif

@@ -21,6 +21,10 @@ enum class Registers : int { narrow = 16, wide = 32, widest = 64 };
 #define TOV_TARGET(features)
 #endif
 
+#if defined(__GNUC__) && defined(__x86_64__) && !defined(__clang__)
+#define TOV_FUSED  // not Clang: it refuses wide operands in a function that is not yet inlined
+#endif
+
 namespace detail {
 
 template <class Kernel>
@@ -29,7 +33,7 @@ void run_narrow(Kernel const& kernel) {
 }
 
 template <class Kernel>
-TOV_TARGET("avx2") void run_wide(Kernel const& kernel) {
+TOV_TARGET("avx2,fma") void run_wide(Kernel const& kernel) {
     kernel.template run<32>();
 }
 
@@ -43,7 +47,7 @@ TOV_TARGET("avx512f") void run_widest(Kernel const& kernel) {
 /// Calls kernel.run<bytes of a register>(), compiled for that register.
 ///
 /// A kernel's functions are all inlined by force, as only then do they take on the caller's instructions. They do the
-/// same arithmetic on every lane at every width: no sum over lanes, no contraction.
+/// same arithmetic on every lane at every width: no sum over lanes, no contraction but of exact products.
 template <class Kernel>
 void run_kernel(Kernel const& kernel, Registers registers) {
     switch (registers) {
@@ -58,6 +62,31 @@ template <class Value, int bytes>
 struct Packed {
     using type [[gnu::vector_size(bytes)]] = Value;
 };
+
+/// a = a b + c for doubles, in one instruction where registers of `bytes` have it: only where a b is exact, so that the
+/// one rounding is that of two instructions.
+template <int bytes, class Doubles>
+[[gnu::always_inline]] inline void multiply_and_add(Doubles& a, Doubles const& b, Doubles const& c) {
+#if defined(TOV_FUSED)
+    if constexpr (bytes > 16) {
+        asm("vfmadd213pd %2, %1, %0" : "+v"(a) : "v"(b), "v"(c));
+        return;
+    }
+#endif
+    a = a * b + c;
+}
+
+/// The same with the sum in c.
+template <int bytes, class Doubles>
+[[gnu::always_inline]] inline void add_product(Doubles& c, Doubles const& a, Doubles const& b) {
+#if defined(TOV_FUSED)
+    if constexpr (bytes > 16) {
+        asm("vfmadd231pd %2, %1, %0" : "+v"(c) : "v"(a), "v"(b));
+        return;
+    }
+#endif
+    c += a * b;
+}
 
 /// Storage that starts on a cache line, so that no register's load crosses one.
 template <class T>

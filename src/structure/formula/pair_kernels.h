@@ -19,6 +19,19 @@ inline constexpr int lane_step = 16;
 
 #define TOV_KERNEL [[gnu::always_inline]] inline
 
+/// Calls kernel.tile<bytes, T>(first lane) for all lanes: four registers side by side as long as there are as many.
+template <class Value, int bytes, class Kernel>
+TOV_KERNEL void run_tiles(Kernel const& kernel) {
+    constexpr int per = bytes / static_cast<int>(sizeof(Value));
+    int first = 0;
+    for (; first + 4 * per <= kernel.lanes; first += 4 * per) {
+        kernel.template tile<bytes, 4>(first);
+    }
+    for (; first < kernel.lanes; first += per) {
+        kernel.template tile<bytes, 1>(first);
+    }
+}
+
 /// Sum over haplotypes i of 0.5 f_i (f_i - 1) d(i,i) + sum over later j of f_i f_j d(i,j), for each lane.
 ///
 /// A haplotype of which there is one copy in all adds f_j d(i,j) to all lanes, and those that lack it go back to their
@@ -34,17 +47,9 @@ struct DenseWithin {
 
     template <int bytes>
     TOV_KERNEL void run() const {
-        constexpr int per = bytes / static_cast<int>(sizeof(double));
-        int first = 0;
-        for (; first + 4 * per <= lanes; first += 4 * per) {
-            tile<bytes, 4>(first);
-        }
-        for (; first < lanes; first += per) {
-            tile<bytes, 1>(first);
-        }
+        run_tiles<double, bytes>(*this);
     }
 
-private:
     template <int bytes, int T>
     TOV_KERNEL void tile(int first) const {
         using Doubles = typename Packed<double, bytes>::type;
@@ -62,6 +67,7 @@ private:
         std::memcpy(sums + first, sum, sizeof sum);
     }
 
+private:
     template <int bytes, int T, class Doubles>
     TOV_KERNEL void common_row(int i, double const* d, double const* row, Doubles (&sum)[T]) const {
         constexpr int per = bytes / static_cast<int>(sizeof(double));
@@ -110,6 +116,144 @@ private:
     }
 };
 
+/// The sums of DenseWithin for two samples that hold all copies, a lane an arrangement.
+///
+/// A haplotype of 2h copies, h + u of them in the first sample, has h - u in the second: one table of u tells both. A
+/// haplotype of one copy has terms in one sample only, so that a lane makes the additions of that sample alone. All
+/// lanes take a row of distances while it is near.
+struct DenseTwo {
+    int n;
+    double const* distances;
+    double const* halves;  ///< h of each haplotype
+    double const* excess;  ///< u: n rows of `stride` lanes
+    int stride;
+    int lanes;             ///< those to sum; a multiple of lane_step
+    double* first;         ///< sums within the first sample
+    double* second;
+
+    template <int bytes>
+    TOV_KERNEL void run() const {
+        std::memset(first, 0, lanes * sizeof *first);
+        std::memset(second, 0, lanes * sizeof *second);
+        double const* d = distances;
+        for (int i = 0; i < n; ++i) {
+            if (halves[i] == 0.5) {
+                single_rows<bytes>(i, d);
+            } else if (halves[i] == 1.0) {
+                common_rows<bytes, true>(i, d);
+            } else if (halves[i] != 0.0) {
+                common_rows<bytes, false>(i, d);
+            }
+            d += n - i;
+        }
+    }
+
+private:
+    template <int bytes>
+    TOV_KERNEL void single_rows(int i, double const* d) const {
+        constexpr int per = bytes / static_cast<int>(sizeof(double));
+        int lane = 0;
+        for (; lane + 4 * per <= lanes; lane += 4 * per) {
+            single_row<bytes, 4>(i, d, lane);
+        }
+        if constexpr (4 * per > lane_step) {
+            for (; lane < lanes; lane += 2 * per) {
+                single_row<bytes, 2>(i, d, lane);
+            }
+        }
+    }
+
+    template <int bytes, bool two>
+    TOV_KERNEL void common_rows(int i, double const* d) const {
+        constexpr int T = 2;  // what sixteen registers hold
+        constexpr int per = bytes / static_cast<int>(sizeof(double));
+        for (int lane = 0; lane < lanes; lane += T * per) {
+            common_row<bytes, T, two>(i, d, lane);
+        }
+    }
+
+    template <int bytes, int T>
+    TOV_KERNEL void single_row(int i, double const* d, int lane) const {
+        using Doubles = typename Packed<double, bytes>::type;
+        constexpr int per = bytes / static_cast<int>(sizeof(double));
+        double const* row = excess + static_cast<std::size_t>(i) * stride + lane;
+        Doubles sign[T], sum[T];  // 1 where the first sample holds the copy, else -1
+#pragma GCC unroll 4
+        for (int t = 0; t < T; ++t) {
+            Doubles u, a, b;
+            std::memcpy(&u, row + t * per, bytes);
+            std::memcpy(&a, first + lane + t * per, bytes);
+            std::memcpy(&b, second + lane + t * per, bytes);
+            sign[t] = u + u;
+            sum[t] = u > 0.0 ? a : b;
+        }
+        for (int j = i + 1; j < n; ++j) {
+            row += stride;
+            double const dij = *++d;
+            Doubles const h = halves[j] - Doubles{};
+#pragma GCC unroll 4
+            for (int t = 0; t < T; ++t) {
+                Doubles later;
+                std::memcpy(&later, row + t * per, bytes);
+                multiply_and_add<bytes>(later, sign[t], h);
+                sum[t] += later * dij;
+            }
+        }
+#pragma GCC unroll 4
+        for (int t = 0; t < T; ++t) {
+            Doubles a, b;
+            std::memcpy(&a, first + lane + t * per, bytes);
+            std::memcpy(&b, second + lane + t * per, bytes);
+            a = sign[t] > 0.0 ? sum[t] : a;
+            b = sign[t] > 0.0 ? b : sum[t];
+            std::memcpy(first + lane + t * per, &a, bytes);
+            std::memcpy(second + lane + t * per, &b, bytes);
+        }
+    }
+
+    /// @tparam two  there are two copies in all: products with 0, 1 or 2 are exact, so that they may come last.
+    template <int bytes, int T, bool two>
+    TOV_KERNEL void common_row(int i, double const* d, int lane) const {
+        using Doubles = typename Packed<double, bytes>::type;
+        constexpr int per = bytes / static_cast<int>(sizeof(double));
+        double const* row = excess + static_cast<std::size_t>(i) * stride + lane;
+        Doubles f[T], g[T], a[T], b[T];
+#pragma GCC unroll 4
+        for (int t = 0; t < T; ++t) {
+            Doubles u;
+            std::memcpy(&u, row + t * per, bytes);
+            std::memcpy(&a[t], first + lane + t * per, bytes);
+            std::memcpy(&b[t], second + lane + t * per, bytes);
+            f[t] = halves[i] + u;
+            g[t] = halves[i] - u;
+            a[t] += 0.5 * f[t] * (f[t] - 1.0) * *d;
+            b[t] += 0.5 * g[t] * (g[t] - 1.0) * *d;
+        }
+        for (int j = i + 1; j < n; ++j) {
+            row += stride;
+            double const dij = *++d;
+            double const h = halves[j];
+#pragma GCC unroll 4
+            for (int t = 0; t < T; ++t) {
+                Doubles u;
+                std::memcpy(&u, row + t * per, bytes);
+                if constexpr (two) {
+                    add_product<bytes>(a[t], f[t], (h + u) * dij);
+                    add_product<bytes>(b[t], g[t], (h - u) * dij);
+                } else {
+                    a[t] += f[t] * (h + u) * dij;
+                    b[t] += g[t] * (h - u) * dij;
+                }
+            }
+        }
+#pragma GCC unroll 4
+        for (int t = 0; t < T; ++t) {
+            std::memcpy(first + lane + t * per, &a[t], bytes);
+            std::memcpy(second + lane + t * per, &b[t], bytes);
+        }
+    }
+};
+
 /// The same where every sum is a whole number that single precision holds, so that any order is exact; the diagonal
 /// is 0.
 struct WholeWithin {
@@ -122,17 +266,9 @@ struct WholeWithin {
 
     template <int bytes>
     TOV_KERNEL void run() const {
-        constexpr int per = bytes / static_cast<int>(sizeof(float));
-        int first = 0;
-        for (; first + 4 * per <= lanes; first += 4 * per) {
-            tile<bytes, 4>(first);
-        }
-        for (; first < lanes; first += per) {
-            tile<bytes, 1>(first);
-        }
+        run_tiles<float, bytes>(*this);
     }
 
-private:
     template <int bytes, int T>
     TOV_KERNEL void tile(int first) const {
         using Floats = typename Packed<float, bytes>::type;

@@ -81,8 +81,8 @@ PairDistances::PairDistances(TriMat const& matrix, int n) : n_(n), conventional_
     }
 }
 
-bool PairDistances::finite() const noexcept {
-    return std::all_of(upper_.begin(), upper_.end(), [](double d) { return std::isfinite(d); });
+bool PairDistances::products_are_finite() const noexcept {
+    return std::all_of(upper_.begin(), upper_.end(), [](double d) { return std::abs(d) < 1e280; });
 }
 
 bool PairDistances::sums_are_whole(double copies) const noexcept {

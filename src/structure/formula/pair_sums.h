@@ -24,8 +24,8 @@ public:
     /// All rows one behind the other, and where each starts; row n is a single 0. Empty for the 0/1 distance.
     [[nodiscard]] std::span<double const> upper() const noexcept { return upper_; }
     [[nodiscard]] std::span<std::size_t const> row_starts() const noexcept { return start_; }
-    /// No distance is infinite or undefined.
-    [[nodiscard]] bool finite() const noexcept;
+    /// No distance is undefined, infinite or so large that its product with two counts might be.
+    [[nodiscard]] bool products_are_finite() const noexcept;
     /// All distances are whole, the diagonal is 0, and a sum over pairs of `copies` gene copies stays below 2^24, so
     /// that single precision holds it exactly.
     [[nodiscard]] bool sums_are_whole(double copies) const noexcept;

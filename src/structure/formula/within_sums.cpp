@@ -32,7 +32,7 @@ WithinSums::WithinSums(PairDistances const& distances, std::vector<GeneSlice> sl
         tally_.assign(static_cast<std::size_t>(distances.size()) + 1, 0);
     } else {
         counts_ = PresentCounts(distances.size());
-        path_ = choose_path();
+        path_ = choose_path(genes);
         int most = 0;
         for (GeneSlice const& slice : slices_) {
             most = std::max(most, slice.end - slice.begin);
@@ -50,9 +50,9 @@ WithinSums::WithinSums(PairDistances const& distances, std::vector<GeneSlice> sl
 
 /// Compares the terms of all haplotypes with those of the haplotypes present, at what a term of a table costs in terms
 /// of a list.
-WithinSums::Path WithinSums::choose_path() const {
+WithinSums::Path WithinSums::choose_path(std::span<int const> genes) const {
     PairDistances const& d = *distances_;
-    if (!d.finite() || slices_.empty()) {
+    if (!d.products_are_finite() || slices_.empty()) {
         return Path::one_by_one;
     }
     double const n = d.size();
@@ -69,10 +69,28 @@ WithinSums::Path WithinSums::choose_path() const {
     if (of_all * cost * (whole ? 0.5 : 1.0) > of_present) {
         return Path::lists;
     }
-    return whole ? Path::whole_table : Path::table;
+    if (whole) {
+        return Path::whole_table;
+    }
+    bool const two_of_all = slices_.size() == 2 && slices_[0].begin == 0 && slices_[0].end == slices_[1].begin &&
+                            slices_[1].end == static_cast<int>(genes.size());
+    return two_of_all && most_are_single(genes) ? Path::table_of_two : Path::table;
+}
+
+/// At least half of the haplotypes have one copy in all.
+bool WithinSums::most_are_single(std::span<int const> genes) const {
+    std::vector<int> total(static_cast<std::size_t>(distances_->size()) + 1, 0);
+    for (int const h : genes) {
+        ++total[h];
+    }
+    return 2 * std::count(total.begin(), total.end() - 1, 1) >= distances_->size();
 }
 
 void WithinSums::set_up_tables(std::span<int const> genes) {
+    if (path_ == Path::table_of_two) {
+        set_up_table_of_two(genes);
+        return;
+    }
     // Enough lanes to keep the adders busy, few enough to stay within the nearest cache.
     int const enough = path_ == Path::table ? 32 : 64;
     block_ = 4;
@@ -98,6 +116,17 @@ void WithinSums::set_up_tables(std::span<int const> genes) {
     for (double const d : distances_->upper()) {
         whole_distances_.push_back(static_cast<float>(d));
     }
+}
+
+void WithinSums::set_up_table_of_two(std::span<int const> genes) {
+    block_ = stride_ = 32;
+    halves_.assign(static_cast<std::size_t>(distances_->size()) + 1, 0.0);
+    for (int const h : genes) {
+        halves_[h] += 0.5;
+    }
+    table_.assign(halves_.size() * stride_, 0.0);
+    table_sums_.assign(2 * static_cast<std::size_t>(stride_), 0.0);
+    clear_table_of_two();
 }
 
 void WithinSums::set_up_lists() {
@@ -183,6 +212,7 @@ void WithinSums::add(std::span<int const> genes) {
         case Path::one_by_one: compute(genes, sums_); break;
         case Path::whole_table: add_to_table(genes, whole_table_.data()); break;
         case Path::table: add_to_table(genes, table_.data()); break;
+        case Path::table_of_two: add_to_table_of_two(genes); break;
         case Path::lists: add_to_lists(genes); break;
     }
     ++added_;
@@ -221,6 +251,7 @@ void WithinSums::evaluate() {
         case Path::one_by_one: break;
         case Path::whole_table: evaluate_whole_table(); break;
         case Path::table: evaluate_table(); break;
+        case Path::table_of_two: evaluate_table_of_two(); break;
         case Path::lists: evaluate_lists(); break;
     }
     added_ = 0;
@@ -233,6 +264,33 @@ void WithinSums::evaluate_table() {
                registers_);
     std::copy_n(table_sums_.begin(), used, sums_.begin());
     std::fill(table_.begin(), table_.end(), 0.0);
+}
+
+/// All copies in the second sample.
+void WithinSums::clear_table_of_two() {
+    auto at = table_.begin();
+    for (double const half : halves_) {
+        at = std::fill_n(at, stride_, -half);
+    }
+}
+
+void WithinSums::add_to_table_of_two(std::span<int const> genes) {
+    for (int const h : copies_of(genes, 0)) {
+        table_[static_cast<std::size_t>(h) * stride_ + added_] += 1.0;
+    }
+}
+
+void WithinSums::evaluate_table_of_two() {
+    double* const first = table_sums_.data();
+    double* const second = first + stride_;
+    run_kernel(DenseTwo{distances_->size(), distances_->upper().data(), halves_.data(), table_.data(), stride_,
+                        rounded_lanes(added_), first, second},
+               registers_);
+    for (int k = 0; k < added_; ++k) {
+        sums_[2 * k] = first[k];
+        sums_[2 * k + 1] = second[k];
+    }
+    clear_table_of_two();
 }
 
 void WithinSums::evaluate_whole_table() {

@@ -45,6 +45,9 @@ private:
 /// - few haplotypes, or populations that hold most of them: tables of counts, every haplotype of every population;
 /// - else: lists of the haplotypes present, quadratic in their number, for which wider registers do nothing;
 /// - distances that are not finite: vector by vector, as an absent haplotype must not meet them.
+///
+/// Where two populations hold all copies and most haplotypes have one copy, one table does for both populations: what
+/// one lacks the other holds.
 class WithinSums {
 public:
     /// @param distances  borrowed.
@@ -71,23 +74,28 @@ public:
     }
 
 private:
-    enum class Path { one_by_one, whole_table, table, lists };
+    enum class Path { one_by_one, whole_table, table, table_of_two, lists };
 
-    [[nodiscard]] Path choose_path() const;
+    [[nodiscard]] Path choose_path(std::span<int const> genes) const;
     [[nodiscard]] int most_present(GeneSlice const& slice) const noexcept {
         return std::min(slice.end - slice.begin, distances_->size());
     }
     [[nodiscard]] std::span<int const> copies_of(std::span<int const> genes, std::size_t p) const {
         return genes.subspan(slices_[p].begin, slices_[p].end - slices_[p].begin);
     }
+    [[nodiscard]] bool most_are_single(std::span<int const> genes) const;
     void set_up_tables(std::span<int const> genes);
+    void set_up_table_of_two(std::span<int const> genes);
     void set_up_lists();
     void by_equal_pairs(std::span<int const> genes, std::span<double> sums);
     void by_present_haplotypes(std::span<int const> genes, std::span<double> sums);
     template <class Count>
     void add_to_table(std::span<int const> genes, Count* table);
     void add_to_lists(std::span<int const> genes);
+    void add_to_table_of_two(std::span<int const> genes);
     void evaluate_table();
+    void clear_table_of_two();
+    void evaluate_table_of_two();
     void evaluate_whole_table();
     void sort_chain_entries();
     void evaluate_lists();
@@ -107,6 +115,7 @@ private:
     int stride_ = 0;
     std::vector<char> single_;             ///< haplotypes of one copy in all
     LineVector<double> table_, table_sums_;
+    std::vector<double> halves_;           ///< of the copies of each haplotype, for the table of two; its lane is k
     LineVector<float> whole_table_, whole_sums_, whole_distances_;
     // Lists: chain k P + p is population p of vector k.
     std::vector<int> by_size_;             ///< populations, the largest first

@@ -48,7 +48,7 @@ void operator delete[](void* memory, std::size_t) noexcept { std::free(memory); 
 namespace tov::test {
 namespace {
 
-enum class Kind { whole, broken, negative, uneven_diagonal, infinite, equal };
+enum class Kind { whole, broken, negative, uneven_diagonal, vast, infinite, equal };
 
 /// A made-up structure of populations of given sizes.
 struct Made {
@@ -57,7 +57,7 @@ struct Made {
         for (int i = 0; i < haplotypes; ++i) {
             for (int j = 0; j <= i; ++j) {
                 double d = static_cast<double>(random() % 9) + (kind == Kind::whole ? 0.0 : 0.37);
-                d = kind == Kind::negative ? d - 4.0 : d;
+                d = kind == Kind::negative ? d - 4.0 : kind == Kind::vast ? d * 1e307 : d;
                 d = i == j && kind != Kind::uneven_diagonal ? 0.0 : d;
                 matrix.set_data(kind == Kind::infinite && i == 1 && j == 0 ? std::numeric_limits<double>::infinity() : d, i, j);
             }
@@ -243,14 +243,18 @@ std::vector<double> const five_uneven{5, 40, 12, 2, 31};
 
 TEST(PermutationBlocks, SumsWithinPopulationsAreThoseOfPlainPassesInEveryRegister) {
     for (Registers const registers : usable_registers()) {
-        for (Kind const kind :
-             {Kind::whole, Kind::broken, Kind::negative, Kind::uneven_diagonal, Kind::infinite, Kind::equal}) {
+        for (Kind const kind : {Kind::whole, Kind::broken, Kind::negative, Kind::uneven_diagonal, Kind::vast,
+                                Kind::infinite, Kind::equal}) {
             SCOPED_TRACE(testing::Message() << static_cast<int>(registers) << " bytes, distances of kind "
                                             << static_cast<int>(kind));
             check_within(Made(five_uneven, 6, kind), registers);
             check_within(Made(five_uneven, 30, kind, 4), registers);
             check_within(Made({60}, 40, kind, 1), registers);
             check_within(Made({1, 1}, 3, kind), registers);
+            check_within(Made({24, 20}, 40, kind, 1), registers);
+            check_within(Made({5, 71}, 23, kind, 3), registers);
+            check_within(Made({40, 33}, 12, kind), registers);
+            check_within(Made({20.5, 20.2}, 30, kind), registers);
             check_within(Made(std::vector<double>(23, 6.0), 9, kind), registers);
             check_within(Made({20, 26, 30, 4, 1, 40}, 160, kind, 3), registers);
         }
@@ -265,8 +269,12 @@ TEST(PermutationBlocks, ManyHaplotypesAreSummedFromListsAndDistancesThatAreNotFi
     for (Registers const registers : usable_registers()) {
         EXPECT_EQ(block(Made(eight, 20, Kind::broken), registers), 4) << "a table: eight populations fill the lanes";
         EXPECT_EQ(block(Made({50}, 20, Kind::broken), registers), 32);
+        EXPECT_EQ(block(Made({25, 25}, 20, Kind::broken), registers), 32) << "one table of two samples";
+        EXPECT_EQ(block(Made({25, 25}, 9, Kind::broken), registers), 16) << "few haplotypes of one copy";
+        EXPECT_EQ(block(Made({25.5, 25.2}, 20, Kind::broken), registers), 16) << "a copy is in both samples";
         EXPECT_EQ(block(Made(eight, 240, Kind::broken), registers), 32) << "lists";
         EXPECT_EQ(block(Made(eight, 240, Kind::infinite), registers), 1);
+        EXPECT_EQ(block(Made(eight, 240, Kind::vast), registers), 1);
         EXPECT_EQ(block(Made(eight, 240, Kind::equal), registers), 1);
     }
 }
