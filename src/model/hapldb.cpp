@@ -17,20 +17,6 @@ std::size_t hash_of(my_string const& text) noexcept { return std::hash<my_string
 
 Haplo_DB::Haplo_DB() : name("no_name"), list_(9, 100) {}
 
-Haplo_DB::Haplo_DB(Project* owner) : Haplo_DB() { project = owner; }
-
-Haplo_DB::Haplo_DB(Haplo_DB const& other) : Haplo_DB() { *this = other; }
-
-Haplo_DB& Haplo_DB::operator=(Haplo_DB const& other) {
-    if (this == &other) return *this;
-    ProfileSettings::operator=(other);
-    name = other.name;
-    project = other.project;
-    list_ = other.list_;
-    reindex();
-    return *this;
-}
-
 HaploDef& Haplo_DB::operator[](int index) const { return *list_[index]; }
 
 int Haplo_DB::Add(HaploDef* haplotype) { return list_.Add(haplotype); }

@@ -22,9 +22,8 @@ class Project;
 class Haplo_DB : public ProfileSettings {
 public:
     Haplo_DB();
-    explicit Haplo_DB(Project* project);
-    Haplo_DB(Haplo_DB const& other);
-    Haplo_DB& operator=(Haplo_DB const& other);
+    Haplo_DB(Haplo_DB const&) = delete;
+    Haplo_DB& operator=(Haplo_DB const&) = delete;
 
     [[nodiscard]] int size() const { return static_cast<int>(list_.GetItemsInContainer()); }
     [[nodiscard]] bool is_null() const { return size() == 0; }

@@ -14,8 +14,6 @@ namespace tov {
 
 Samples::Samples() : populations(-1, 10) {}
 
-Samples::Samples(Project* owner) : Samples() { project = owner; }
-
 Samples::~Samples() = default;
 
 Population* Samples::operator[](int i) const { return populations.view()[static_cast<std::size_t>(i)]; }

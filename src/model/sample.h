@@ -15,7 +15,6 @@
 namespace tov {
 
 class DistMat;
-class Project;
 class Structure;
 class settings;
 
@@ -23,7 +22,6 @@ class settings;
 class Samples : public ProfileSettings {
 public:
     Samples();
-    explicit Samples(Project* project);
     Samples(Samples const&) = delete;
     Samples& operator=(Samples const&) = delete;
     ~Samples() override;
@@ -89,7 +87,6 @@ public:
     void print_computation_anchor(int level, settings& s, my_string const& entry, my_string const& anchor);
 
     MY_TIArrayAsVector<Population> populations;  ///< owned
-    Project* project = nullptr;                  ///< borrowed
     int pooled = 0;                              ///< the samples are pooled groups
     std::vector<double> geo_distances;
 };

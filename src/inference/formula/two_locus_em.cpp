@@ -8,12 +8,6 @@
 
 namespace tov {
 
-void TwoLocusSample::clear() {
-    genotypes.clear();
-    counts.clear();
-    first_alleles = second_alleles = 0;
-}
-
 void TwoLocusSample::add(TwoLocusGenotype const& genotype, double individuals) {
     genotypes.push_back(genotype);
     counts.push_back(individuals);

@@ -19,7 +19,6 @@ struct TwoLocusGenotype {
 
 /// Individuals at two loci. With recessive alleles the blank, which another allele hides, has the number 0 at both.
 struct TwoLocusSample {
-    void clear();
     void add(TwoLocusGenotype const& genotype, double individuals);
     [[nodiscard]] bool is_empty() const noexcept { return genotypes.empty(); }
 

@@ -188,6 +188,13 @@ TEST(TAlleleDB, FrequencyVectorsComeZeroedAndGoOnFlush) {
     EXPECT_EQ(TAllele::numPop, 1);
 }
 
+TEST(TAllele, PrintsItsName) {
+    TAlleleDB db;
+    std::ostringstream os;
+    os << *db.insert_allele(0, "B*07", 1.0);
+    EXPECT_EQ(os.str(), "B*07");
+}
+
 TEST(TAllele, DefaultIsNamedUndefAndSelected) {
     TAllele const a;
     EXPECT_EQ(a.name(), "UNDEF");

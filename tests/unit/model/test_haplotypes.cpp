@@ -224,6 +224,15 @@ TEST(AHaplFreq, MeanAndDeviationRelativeToTheSampleSize) {
     EXPECT_EQ(one.mean, 0.0);
 }
 
+TEST(AHaplFreq, PrintsSumsWithSevenDecimalsAndMomentsWithFour) {
+    AHaplFreq freq(3);
+    freq.mean = 0.125;
+    freq.sd = 2.0 / 3.0;
+    std::ostringstream os;
+    os << freq;
+    EXPECT_EQ(os.str(), "3.0000000 9.0000000 0.1250 0.6667 ");
+}
+
 TEST(AHaplFreq, DeviationOfEqualFrequenciesIsNeverTheRootOfANegativeNumber) {
     for (int n = 2; n <= 40; ++n) {
         AHaplFreq sum;

@@ -52,6 +52,10 @@ TEST(TPopHaploDB, LookUpSurvivesRemovalAndCopies) {
     TPopHaploDB copy(pool);
     EXPECT_EQ(copy.find(data.haplotype("BA")), &copy.haplotype(1));
     EXPECT_NE(&copy.haplotype(1), &pool.haplotype(1));
+    copy.Destroy(0);
+    EXPECT_EQ(copy.find(data.haplotype("AA")), nullptr);
+    EXPECT_EQ(copy.find(data.haplotype("BA")), &copy.haplotype(0));
+    EXPECT_EQ(texts(copy), (std::vector<std::string>{"BA", "BB"}));
     pool.haplotype(0).set_freq(5.0);
     pool.cleanDB(2.0);
     EXPECT_EQ(texts(pool), std::vector<std::string>{"AA"});
@@ -59,6 +63,16 @@ TEST(TPopHaploDB, LookUpSurvivesRemovalAndCopies) {
     EXPECT_EQ(pool.nb_haplotypes(), 0);
     TPopHaplotype const* const anew = pool.insert(data.haplotype("BB"), 1.0);
     EXPECT_EQ(anew, &pool.haplotype(0));
+}
+
+TEST(TPopHaploDB, PrintsItsHaplotypesWithTheirFrequencies) {
+    ModelData data;
+    TPopHaploDB pool;
+    pool.insert(data.haplotype("AB"), 0.25);
+    pool.insert(data.haplotype("ab"), 0.75);
+    std::ostringstream os;
+    os << pool;
+    EXPECT_EQ(os.str(), "AB  0.25\nab  0.75\n\n");
 }
 
 TEST(TPopHaploDB, CleanWithTwoEmptiesAPoolOfFrequencies) {

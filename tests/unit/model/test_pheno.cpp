@@ -575,6 +575,15 @@ TEST(TPhenotype, GivesItsCountToTheHaplotypesByTheSharesOfItsGenotypes) {
     EXPECT_DOUBLE_EQ(one.haplotype(0).freq(), 6.0);
 }
 
+TEST(TPhenotype, PrintsNameCountAndChromosomes) {
+    ModelData data;
+    auto const p = data.phenotype("AB", "ab", 3.0);
+    p->set_name("a<b");
+    std::ostringstream os;
+    os << *p;
+    EXPECT_EQ(os.str(), "a&lt;b\t3\tAB\n\tab\n");
+}
+
 TEST(TPhenotype, ChromosomesAreReplacedByCopies) {
     ModelData data;
     auto const p = data.phenotype("AB", "ab");

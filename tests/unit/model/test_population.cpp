@@ -233,6 +233,24 @@ TEST(Population, EstimatedPoolBecomesCountsWithoutEntriesBelowOneHalf) {
     EXPECT_EQ(entries(target), (std::vector<std::string>{"h1=A B x7", "h2=a b x3"}));
 }
 
+TEST(Samples, EstimatedPoolsShareTheirDefinitions) {
+    ModelData data;
+    Samples samples;
+    for (double const share : {0.75, 0.25}) {
+        auto sample = std::make_unique<Population>(my_string("s"), 8.0);
+        sample->profile.LocusSeparator = '\0';
+        sample->pool.insert(data.haplotype("AB"), share);
+        sample->pool.insert(data.haplotype(share > 0.5 ? "ab" : "aB"), 1.0 - share);
+        samples.Add(sample.release());
+    }
+    Haplo_DB list;
+    samples.h_pop_db_to_gam(list);
+    EXPECT_EQ(entries(samples[0]->haplotypes), (std::vector<std::string>{"h1=AB x6", "h2=ab x2"}));
+    EXPECT_EQ(entries(samples[1]->haplotypes), (std::vector<std::string>{"h1=AB x2", "h3=aB x6"}));
+    EXPECT_EQ(list.size(), 3);
+    EXPECT_EQ(list[0].copies, 8);
+}
+
 TEST(Population, WholeListStandsForOneSample) {
     ModelData data;
     Haplo_DB list;

@@ -87,6 +87,40 @@ TEST_F(Mutations, OfANodeAreThoseOfTheTree) {
     EXPECT_EQ(tree[8].num_mutations, 3);
 }
 
+TEST_F(Mutations, OfANodeInStepsOfAllelesAreThoseOfTheTree) {
+    TNode::min_mic = -3;
+    TNode::max_mic = 3;
+    MutationModel model = model_of(5.0, 2, MUT_STEPWISE);
+    model.allele_steps = true;
+    model.constrained = 1;
+    model.geometric_p = 0.6;
+    test::seed();
+    make(6, model);
+    tree.write_sequences();
+    long const draws = test::draws_since_seed();
+    std::vector<int> states;
+    for (int tip = 0; tip < 6; ++tip) {
+        for (int site = 0; site < 2; ++site) states.push_back((*tree[tip].sequence)[site]);
+    }
+    int const placed = tree.nb_mutations();
+    ASSERT_GT(placed, 5);
+
+    test::seed();
+    TNode::reset_node_count();
+    tree.build_tree();
+    ASSERT_TRUE(TTree::prepare_hits(2));
+    long idum = 1;
+    EXPECT_EQ(tree.root().add_mutations(5.0, &idum, 0, 2, MUT_STEPWISE, 0.0, 0.33, 1, 0.6), placed);
+    EXPECT_EQ(test::draws_since_seed(), draws);
+    for (int tip = 0; tip < 6; ++tip) {
+        for (int site = 0; site < 2; ++site) {
+            EXPECT_EQ((*tree[tip].sequence)[site], states[static_cast<std::size_t>(2 * tip + site)]);
+        }
+    }
+    TNode::min_mic = 0;
+    TNode::max_mic = 0;
+}
+
 TEST_F(Mutations, IdenticalTipsAreGroupedUnderTheFirst) {
     test::seed();
     make(6, model_of(1.5, 20, MUT_NUCLEOTIDES));
