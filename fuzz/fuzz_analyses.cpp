@@ -58,7 +58,9 @@ void keep_it_short(settings& set) {
 }
 
 void choose_options(settings& set, Choices const& choice) {
-    auto const bit = [&choice](unsigned byte, unsigned number) { return static_cast<int>(choice[byte] >> number & 1U); };
+    auto const bit = [&choice](unsigned byte, unsigned number) {
+        return static_cast<int>(choice[byte] >> number & 1U);
+    };
     set.TaskNumber = static_cast<long>(choice[0] | choice[1] << 8U | (choice[2] & 1U) << 16U);
     set.XMLOutput = 1 - bit(2, 1);
     set.ComputeSumStatsWithinGroups = bit(2, 2);

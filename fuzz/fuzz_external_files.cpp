@@ -1,7 +1,7 @@
 // Fuzz target: the readers of the files that a project names by EXTERN.
 //
-// The input is a byte that chooses the kind of data, then the files, a byte of 0 between them: list of haplotypes, matrix
-// of distances, data of one sample, matrix of the Mantel test.
+// The input is a byte that chooses the kind of data, then the files, a byte of 0 between them: list of haplotypes,
+// matrix of distances, data of one sample, matrix of the Mantel test.
 #include <algorithm>
 #include <array>
 #include <cstddef>
@@ -38,9 +38,10 @@ std::string project_of(unsigned choice) {
             (labels_in_rows ? "COLUMN" : "LINE") + "\nMatrixData= EXTERN \"distances\"\n";
     text += "[[Samples]]\nSampleName=\"s\"\nSampleSize=4\nSampleData= EXTERN \"sample\"\n";
     text += "[[Structure]]\nStructureName=\"g\"\nNbGroups=1\nGroup={\n\"s\"\n}\n";
-    return text + "[[Mantel]]\nMatrixSize=3\nMatrixNumber=2\nYMatrix=\"CUSTOM\"\nYMatrixLabels={\n\"a\"\n\"b\"\n\"c\"\n}\n"
-                  "DistMatMantel= EXTERN \"mantel\"\nDistMatMantel= EXTERN \"mantel\"\nUsedYMatrixLabels={\n\"a\"\n\"b\"\n"
-                  "\"c\"\n}\n";
+    return text +
+           "[[Mantel]]\nMatrixSize=3\nMatrixNumber=2\nYMatrix=\"CUSTOM\"\nYMatrixLabels={\n\"a\"\n\"b\"\n\"c\"\n}\n"
+           "DistMatMantel= EXTERN \"mantel\"\nDistMatMantel= EXTERN \"mantel\"\nUsedYMatrixLabels={\n\"a\"\n\"b\"\n"
+           "\"c\"\n}\n";
 }
 
 }  // namespace

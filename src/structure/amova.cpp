@@ -33,8 +33,7 @@ bool amova_wanted(settings const& set) {
 
 /// Something needs the AMOVA's machinery: a design, the pairs of samples, or the Mantel test behind them.
 bool machinery_wanted(settings const& set) {
-    return amova_wanted(set) || set.ComputePairwiseFST != 0 || set.PrintMissIntermatchs != 0 ||
-           set.wants(task::mantel);
+    return amova_wanted(set) || set.ComputePairwiseFST != 0 || set.PrintMissIntermatchs != 0 || set.wants(task::mantel);
 }
 
 /// Gene copies and their distances are needed. A Mantel test alone needs them unless its Y is given.
@@ -235,8 +234,8 @@ std::vector<int> Amova::load_HaplotypeIndexVector(int known) const {
 void Amova::distribute_HaplotypeIndexVector(std::span<int> genes, int known) const {
     std::size_t begin = 0;
     for (Population const* const population : populations_) {
-        auto const copies = std::min(static_cast<std::size_t>(std::max(population->nb_gene_copies, 0.0)),
-                                     genes.size() - begin);
+        auto const copies =
+            std::min(static_cast<std::size_t>(std::max(population->nb_gene_copies, 0.0)), genes.size() - begin);
         SetUpVectorsAfterPermutation(*population, genes.subspan(begin, copies), known, view_.haplotypes->size());
         begin += copies;
     }

@@ -2,8 +2,8 @@
 #pragma once
 
 #include <array>
-#include <functional>
 #include <fstream>
+#include <functional>
 #include <iosfwd>
 #include <memory>
 #include <span>
@@ -218,16 +218,16 @@ private:
     std::vector<Population*> populations_;  // borrowed, by number
     std::vector<int> order_;                ///< numbers of the populations, group after group
     std::vector<GeneSlice> slices_;
-    std::vector<int> observed_genes_;       ///< haplotype numbers as the samples hold them
-    std::vector<int> genes_;                ///< the vector that is permuted
+    std::vector<int> observed_genes_;  ///< haplotype numbers as the samples hold them
+    std::vector<int> genes_;           ///< the vector that is permuted
     std::unique_ptr<WithinSums> within_;
-    std::vector<double> S_;                 ///< undivided within sums of the observed vector
-    std::vector<double> population_sums_;   ///< lower triangle
+    std::vector<double> S_;                   ///< undivided within sums of the observed vector
+    std::vector<double> population_sums_;     ///< lower triangle
     std::vector<double> within_individuals_;  ///< observed, one a population
     VarianceTable table_;
     std::vector<double> observed_fis_;
-    std::vector<int> fis_hits_;             ///< permuted FIS at or above the observed one
-    std::vector<double> local_values_;      ///< null values of the test in hand, sorted after it
+    std::vector<int> fis_hits_;         ///< permuted FIS at or above the observed one
+    std::vector<double> local_values_;  ///< null values of the test in hand, sorted after it
     std::vector<FloatsAndPops> local_orders_;
     std::array<std::vector<double>, 4> sorted_null_;  ///< by component, for the histogram
 };

@@ -25,9 +25,8 @@ int Amova::one_group_of_haplotypes(PermutationScheme scheme) {
     }
     double const among = 1.0 / (table_.df[0] * table_.n);
     double const within = 1.0 / (table_.df[1] * table_.n);
-    Statistic const va{true, IndividualSums::none, [this, among, within](double W, double) {
-                           return among * (table_.ssd_total - W) - within * W;
-                       }};
+    Statistic const va{true, IndividualSums::none,
+                       [this, among, within](double W, double) { return among * (table_.ssd_total - W) - within * W; }};
     return run_design(design, {va});
 }
 

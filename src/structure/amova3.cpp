@@ -29,9 +29,8 @@ int Amova::groups_of_haplotypes(PermutationScheme among, PermutationScheme withi
     Statistic const vb{true, IndividualSums::none, [this, b, c](double W, double) {
                            return (groups_.T - W) / (b * table_.n) - W / (c * table_.n);
                        }};
-    Statistic const va{false, IndividualSums::none, [this](double, double) {
-                           return va_of_groups_haplotypes(table_, sums_, permuted_groups_);
-                       }};
+    Statistic const va{false, IndividualSums::none,
+                       [this](double, double) { return va_of_groups_haplotypes(table_, sums_, permuted_groups_); }};
     return run_design(design, {vc, vb, va});
 }
 

@@ -14,11 +14,10 @@ constexpr AmovaIndex indices[] = {{"      FIS : ", &VarianceTable::FIS, slot_FIS
                                   {"      FSC : ", &VarianceTable::FSC, slot_FSC},
                                   {"      FCT : ", &VarianceTable::FCT, slot_FCT},
                                   {"      FIT : ", &VarianceTable::FIT, slot_FIT}};
-constexpr AmovaTest tests[] = {
-    {3, slot_FIT, "FIT", false, PermutationScheme::PHAPAG, PermutationTail::below},
-    {2, slot_FIS, "FIS", false, PermutationScheme::PHAIWP, PermutationTail::above},
-    {1, slot_FSC, "FSC", false, PermutationScheme::PIAPWG, PermutationTail::above},
-    {0, slot_FCT, "FCT", true, PermutationScheme::PHAPAG, PermutationTail::above}};
+constexpr AmovaTest tests[] = {{3, slot_FIT, "FIT", false, PermutationScheme::PHAPAG, PermutationTail::below},
+                               {2, slot_FIS, "FIS", false, PermutationScheme::PHAIWP, PermutationTail::above},
+                               {1, slot_FSC, "FSC", false, PermutationScheme::PIAPWG, PermutationTail::above},
+                               {0, slot_FCT, "FCT", true, PermutationScheme::PHAPAG, PermutationTail::above}};
 
 }  // namespace
 
@@ -31,9 +30,8 @@ int Amova::AMOVA_G_P_I() {
     }
     double const b = table_.df[1], c = table_.df[2], d = table_.df[3], n = table_.n;
     Statistic const vd{false, IndividualSums::whole_vector, [d](double, double I) { return 1.0 / d * I; }};
-    Statistic const vc{true, IndividualSums::by_population, [c, d](double W, double I) {
-                           return -1.0 / (2.0 * d) * I + 1.0 / (2.0 * c) * (W - I);
-                       }};
+    Statistic const vc{true, IndividualSums::by_population,
+                       [c, d](double W, double I) { return -1.0 / (2.0 * d) * I + 1.0 / (2.0 * c) * (W - I); }};
     Statistic const vb{true, IndividualSums::none, [this, b, c, n](double W, double) {
                            return (groups_.T - W) / (b * n) - (W - sums_.I) / (c * n);
                        }};

@@ -19,9 +19,8 @@ int Amova::AMOVA_1G_1P_I() {
         return run_design(design, {});
     }
     double const a = table_.df[0], b = table_.df[1];
-    Statistic const va{true, IndividualSums::by_population, [a, b](double W, double I) {
-                           return (W - I) / (2.0 * a) - I / (2.0 * b);
-                       }};
+    Statistic const va{true, IndividualSums::by_population,
+                       [a, b](double W, double I) { return (W - I) / (2.0 * a) - I / (2.0 * b); }};
     return run_design(design, {va});
 }
 

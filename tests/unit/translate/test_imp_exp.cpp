@@ -68,7 +68,8 @@ TEST(ImpExp, TheHeadNamesEveryFormatAndTheYearOfThisCenturyInTheLast) {
         translator.import_data(format, "none", "mid.tvp", file("mid.tvp"));
         std::string const project = context.directory.read("mid.tvp");
         EXPECT_TRUE(project.starts_with("#File created by Tovenia translator on " + year)) << project;
-        EXPECT_TRUE(holds(project, ")\n#The input file was \"none\"  with format " + std::string(name) + "\n")) << project;
+        EXPECT_TRUE(holds(project, ")\n#The input file was \"none\"  with format " + std::string(name) + "\n"))
+            << project;
     }
 }
 
