@@ -437,8 +437,8 @@ struct ChainEntry {
 /// ascending list of the haplotypes that it holds.
 ///
 /// The triangle is walked once, row by row; all chains that hold the row's haplotype read it while it is near, several
-/// at a time, so that their additions, each in its own order, do not wait for one another. Behind its last entry a chain
-/// has `padding` entries of the haplotype n and count 0, so that chains of about the same length end together.
+/// at a time, so that their additions, each in its own order, do not wait for one another. Behind its last entry a
+/// chain has `padding` entries of the haplotype n and count 0, so that chains of about the same length end together.
 struct ListedWithin {
     static constexpr int padding = 16;
 

@@ -142,8 +142,8 @@ double dense_within(PairDistances const& d, double const* f, int n) {
     return sum;
 }
 
-/// Pairs of different haplotypes of two rows of counts, for the 0/1 distance: whole numbers, in any order. Element n + 1
-/// of a row is the sum of the n counts.
+/// Pairs of different haplotypes of two rows of counts, for the 0/1 distance: whole numbers, in any order. Element
+/// n + 1 of a row is the sum of the n counts.
 double different_pairs(double const* f, double const* g, int n) {
     double equal = 0.0;
     for (int i = 0; i < n; ++i) {
@@ -187,7 +187,8 @@ std::vector<double> population_sums(PairDistances const& distances, std::span<Ge
     }
     std::vector<ExistingHaplotypes> counted;
     for (GeneSlice const& slice : slices) {
-        counted.push_back(SetUpVectorOfExistingHaplotypes(genes.subspan(slice.begin, slice.end - slice.begin), distances.size()));
+        auto const copies = genes.subspan(slice.begin, slice.end - slice.begin);
+        counted.push_back(SetUpVectorOfExistingHaplotypes(copies, distances.size()));
     }
     std::vector<double> sums;
     for (std::size_t p = 0; p < slices.size(); ++p) {

@@ -2,12 +2,9 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <atomic>
 #include <bit>
 #include <cstdint>
-#include <cstdlib>
 #include <limits>
-#include <new>
 #include <numeric>
 #include <random>
 
@@ -15,35 +12,8 @@
 #include "structure/formula/pairwise.h"
 #include "structure/formula/permutation_p.h"
 #include "structure/formula/variance_components.h"
+#include "support/allocations.h"
 #include "support/structure_data.h"
-
-namespace {
-
-std::atomic<long> allocations{0};
-
-void* counted(std::size_t size) {
-    ++allocations;
-    if (void* const memory = std::malloc(size > 0 ? size : 1)) {
-        return memory;
-    }
-    throw std::bad_alloc();
-}
-
-void* counted_or_null(std::size_t size) noexcept {
-    ++allocations;
-    return std::malloc(size > 0 ? size : 1);
-}
-
-}  // namespace
-
-void* operator new(std::size_t size) { return counted(size); }
-void* operator new[](std::size_t size) { return counted(size); }
-void* operator new(std::size_t size, std::nothrow_t const&) noexcept { return counted_or_null(size); }
-void* operator new[](std::size_t size, std::nothrow_t const&) noexcept { return counted_or_null(size); }
-void operator delete(void* memory) noexcept { std::free(memory); }
-void operator delete[](void* memory) noexcept { std::free(memory); }
-void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
-void operator delete[](void* memory, std::size_t) noexcept { std::free(memory); }
 
 namespace tov::test {
 namespace {
@@ -59,7 +29,8 @@ struct Made {
                 double d = static_cast<double>(random() % 9) + (kind == Kind::whole ? 0.0 : 0.37);
                 d = kind == Kind::negative ? d - 4.0 : kind == Kind::vast ? d * 1e307 : d;
                 d = i == j && kind != Kind::uneven_diagonal ? 0.0 : d;
-                matrix.set_data(kind == Kind::infinite && i == 1 && j == 0 ? std::numeric_limits<double>::infinity() : d, i, j);
+                bool const without_end = kind == Kind::infinite && i == 1 && j == 0;
+                matrix.set_data(without_end ? std::numeric_limits<double>::infinity() : d, i, j);
             }
         }
         matrix.set_conventional_fst(kind == Kind::equal);
@@ -363,7 +334,7 @@ TEST(PermutationBlocks, NothingIsAllocatedWithinThePermutations) {
         long first = 0, last = 0;
         int questions = 0;
         auto const poll = [&] {
-            last = allocations;
+            last = allocations();
             first = questions++ == 0 ? last : first;
             return false;
         };
@@ -372,13 +343,15 @@ TEST(PermutationBlocks, NothingIsAllocatedWithinThePermutations) {
         GenePermutations genes_of_all(PermutationScheme::PHAPWG, m.sizes, m.distances, m.slices, &within,
                                       IndividualSums::by_population, genes,
                                       [](PermutedSums const& s) { return s.W - s.I; });
-        auto const a = permutation_p<float>(plan, 0.4, PermutationTail::above, plan.permutations, genes_of_all, poll, keep);
+        auto const a =
+            permutation_p<float>(plan, 0.4, PermutationTail::above, plan.permutations, genes_of_all, poll, keep);
         EXPECT_EQ(last, first);
         questions = 0;
         for (bool const ahead : {true, false}) {
             PairPermutations pair(sums, 20, false, ahead, [](PairOfSums const& s) { return s.first + s.among; });
             questions = 0;
-            auto const b = permutation_p<double>(plan, 0.4, PermutationTail::above, plan.permutations, pair, poll, keep);
+            auto const b =
+            permutation_p<double>(plan, 0.4, PermutationTail::above, plan.permutations, pair, poll, keep);
             EXPECT_EQ(last, first);
             EXPECT_EQ(questions, 11) << "so that the permutations lay between the counts";
             EXPECT_GE(a.p + b.p, 0.0);
