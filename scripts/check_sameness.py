@@ -71,7 +71,7 @@ def all_inputs():
 def masked(text, directory):
     for path in (os.path.realpath(directory), directory):
         text = text.replace(path, "<directory>").replace(path.replace(" ", "%20"), "<directory>")
-    text = re.sub(r"(RUN NUMBER|ERROR #|WARNING #) \d+|^ *\d+ (?=#\[)", r"\1", text, flags=re.M)
+    text = re.sub(r"(RUN NUMBER|ERROR #|WARNING #) \d+| *\d+ (?=#\[)", r"\1", text, flags=re.M)
     return re.sub(r"\d\d/\d\d/(19|20)\d\d", "<date>", mask_times(text))
 
 
