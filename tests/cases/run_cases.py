@@ -92,7 +92,7 @@ def arguments(argv):
     parser.add_argument("--id", help="checks to compare (shell pattern)")
     parser.add_argument("--format", choices=("xml", "html", "both"), default="xml", help="form of the documents")
     parser.add_argument("--jobs", type=int, default=2, help="runs at the same time")
-    parser.add_argument("--limit", type=float, default=400, help="seconds that a run may take")
+    parser.add_argument("--limit", type=float, default=1000, help="seconds that a run may take")
     parser.add_argument("--update", action="store_true", help="write the list of expected failures anew")
     parser.add_argument("--verbose", action="store_true", help="print what was found and expected for every check")
     parser.add_argument("--keep", type=pathlib.Path, help="directory in which the documents are left")

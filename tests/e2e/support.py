@@ -132,7 +132,7 @@ class RunTestCase(unittest.TestCase):
             found += [os.path.relpath(os.path.join(folder, name), self.directory) for name in names]
         return sorted(found)
 
-    def tovcore(self, *arguments, timeout=120):
+    def tovcore(self, *arguments, timeout=400):
         """Starts the program here; it must end with status 0 and no word on standard error."""
         process = subprocess.run([TOVCORE, *arguments], cwd=self.directory, stdout=subprocess.PIPE,
                                  stderr=subprocess.PIPE, stdin=subprocess.DEVNULL, timeout=timeout, check=False)
